@@ -5,10 +5,11 @@
 JOBS ?= 2
 BUILD := build
 CMAKE_GEN := -G Ninja
+FUZZ_SECONDS ?= 600
 
-.PHONY: test test-native test-asan deps-build native asan bench fuzz format clean
+.PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean
 
-test: test-native test-asan
+test: test-native test-asan test-fuzz test-java
 
 deps-build:
 	bash .ci/deps.sh build
@@ -26,6 +27,33 @@ test-native: native
 
 test-asan: asan
 	ctest --test-dir $(BUILD)/asan --output-on-failure -j $(JOBS)
+
+deps-java:
+	bash .ci/deps.sh java
+
+# The Java module's tests against the plain build's library, then the packaged jar from a plain
+# class path (the library must come out of the jar).
+test-java: native deps-java
+	mvn -B -ntp -f java/pom.xml -Dkxac.native.library=$(abspath $(BUILD)/native/libKXAvoidContainer.so) verify
+	java -cp "$$(ls java/target/kxavoidcontainer-*.jar)" tests/binding/JarSmoke.java
+
+# The index loader under libFuzzer (clang, its own build tree). The seed corpus in the repo is
+# only read; new inputs and any crash land in the build tree.
+fuzz-build: deps-build
+	bash .ci/deps.sh fuzz
+	cmake -S . -B $(BUILD)/fuzz $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+		-DCMAKE_CXX_COMPILER=clang++ -DKXAC_BUILD_FUZZ=ON -DKXAC_BUILD_TESTS=OFF -DKXAC_WITH_JNI=OFF
+	cmake --build $(BUILD)/fuzz --target index_load_fuzzer -j $(JOBS)
+	mkdir -p $(BUILD)/fuzz/corpus
+
+FUZZER = $(BUILD)/fuzz/tests/fuzz/index_load_fuzzer -rss_limit_mb=2048 -artifact_prefix=$(BUILD)/fuzz/
+FUZZ_CORPUS = $(BUILD)/fuzz/corpus tests/fuzz/corpus
+
+test-fuzz: fuzz-build
+	$(FUZZER) -max_total_time=60 $(FUZZ_CORPUS)
+
+fuzz: fuzz-build
+	$(FUZZER) -max_total_time=$(FUZZ_SECONDS) $(FUZZ_CORPUS)
 
 format:
 	bash .ci/deps.sh format

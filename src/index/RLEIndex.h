@@ -17,7 +17,7 @@
 #include "stdafx.h"
 
 // One run of occupied cells of a row, [start, end], both inclusive. Valid when end >= start.
-// Arithmetic on the bounds wraps in 32 bits.
+// Comparisons are exact over the whole 32-bit range; Length() wraps in 32 bits.
 struct KXAC_API RLE {
     int start = 0;
     int end = 0;
@@ -33,16 +33,17 @@ struct KXAC_API RLE {
     bool IsValid() const { return end >= start; }
     bool IsIn(int x) const { return start <= x && x <= end; }
     // x - start when x is before the run (negative), x - end when after it (positive), 0 inside.
+    // A distance beyond the 32-bit range saturates, keeping its sign.
     int Compare(int x) const {
-        if (x < start) return Diff(x, start);
-        if (x > end) return Diff(x, end);
+        if (x < start) return Narrow(static_cast<long long>(x) - start);
+        if (x > end) return Narrow(static_cast<long long>(x) - end);
         return 0;
     }
     // Grows the run by the one cell x when x lies just before or just after it.
     void Union(int x) {
-        if (x == Diff(start, 1)) {
+        if (x == static_cast<long long>(start) - 1) {
             start = x;
-        } else if (x == Diff(end, -1)) {
+        } else if (x == static_cast<long long>(end) + 1) {
             end = x;
         }
     }
@@ -57,12 +58,15 @@ struct KXAC_API RLE {
     }
     // The runs abut exactly, with no shared cell; overlapping runs are not connected.
     bool IsConnect(const RLE& o) const {
-        return end == Diff(o.start, 1) || Diff(o.end, -1) == start;
+        return end == static_cast<long long>(o.start) - 1 ||
+               static_cast<long long>(o.end) + 1 == start;
     }
     bool IsTouch(int x) const { return IsConnect(x); }
     // Judged by o's end cells only: a run reaching past this one on both sides does not touch it.
     bool IsTouch(const RLE& o) const { return IsTouch(o.start) || IsTouch(o.end); }
-    int Length() const { return Diff(Diff(end, start), -1); }
+    int Length() const {
+        return static_cast<int>(static_cast<uint32_t>(end) - static_cast<uint32_t>(start) + 1u);
+    }
 
     bool operator==(int x) const { return IsIn(x); }
     // Not a field comparison: true when this run holds o's start or o's end.
@@ -73,8 +77,10 @@ struct KXAC_API RLE {
     bool operator>(const RLE& o) const { return Compare(o.end) < 0; }
 
 private:
-    static int Diff(int a, int b) {
-        return static_cast<int>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
+    static int Narrow(long long d) {
+        if (d < INT32_MIN) return INT32_MIN;
+        if (d > INT32_MAX) return INT32_MAX;
+        return static_cast<int>(d);
     }
 };
 
@@ -164,11 +170,17 @@ public:
     // False when level is not this grid's level.
     bool IsExist(int level, int row, int col) const;
 
-    // Serialised level block: 20-byte header, then a row record per stored row.
+    // Length L of the serialised level block: 20-byte header, then a row record per stored row
+    // (4 bytes of run count, 8 bytes per run), wrapping in 32 bits.
     int BlockLength() const;
     // L on success; 0, writing nothing, when no row is stored or L > capacity.
     int Save(unsigned char* buf, int capacity) const;
-    // L on success, 0 on refusal. Never reads past length.
+    // L on success, 0 on refusal. Refused, leaving the level unchanged: L <= 20 or L > length.
+    // Otherwise the level number and start row are taken and the stored rows released; rows are
+    // then read one by one, and loading stops with 0 (the rows read so far staying) once a
+    // complete row ends past L, or when a row's count or runs would run past length. A negative
+    // row or run count throws std::length_error("vector::reserve"). Never reads past length and
+    // never allocates more than the bytes it is given can describe.
     int Load(const unsigned char* buf, int length);
 
 protected:
@@ -208,7 +220,8 @@ public:
     CRLEIndex& operator=(const CRLEIndex&) = delete;
     virtual ~CRLEIndex();
 
-    // Appends and takes ownership (no null or duplicate check); widens the level range.
+    // Appends and takes ownership (no duplicate check); widens the level range. A null level is
+    // ignored.
     void Append(CRLEIndexQuery* level);
     int MinLevel() const { return m_minLevel; }
     int MaxLevel() const { return m_maxLevel; }
@@ -223,19 +236,27 @@ public:
     // Destroys every level; min level 999, max level -999; the metadata stays.
     void Clear();
 
-    // Replaces the metadata with a copy of length bytes.
+    // Replaces the metadata with a copy of length bytes; a null data or a length <= 0 stores none.
     void Metadata(const unsigned char* data, int length);
     // The metadata length; copies into out only when out is not null and capacity >= length.
     int MetaData(unsigned char* out, int capacity) const;
 
+    // 8 + metadata length + the BlockLength() of every level, empty levels included.
     int BlockLength() const;
-    // Bytes written.
+    // Bytes written: signature, metadata length, metadata, then the block of every level that
+    // has rows and fits in what is left of capacity. 0, writing nothing, when capacity cannot
+    // hold the signature, the length and the metadata.
     int Save(unsigned char* buf, int capacity) const;
-    // Bytes consumed; 0 when the signature does not match. Never reads past length.
+    // Clears the index, then reads it back: bytes consumed. 0 when the signature does not match;
+    // the metadata is then kept. A block too short for its 8-byte header, or whose metadata
+    // length is negative or larger than the bytes after the header, is refused the same way.
+    // Level blocks are read back to back until one is refused; the levels read before it stay
+    // and only their bytes are counted. Never reads past length.
     int Load(const unsigned char* buf, int length);
     // Writes the index block to a file; returns false in every case (callers check the file).
     bool Save(const char* path) const;
-    // True when at least one level was loaded.
+    // True when at least one level was loaded. A file of 19 bytes or less, or one too large
+    // for a 32-bit length, is not read and gives false.
     bool Load(const char* path);
 
 private:
@@ -243,9 +264,8 @@ private:
 
     int m_minLevel = 999;
     int m_maxLevel = -999;
-    uint32_t m_signature;
-    std::vector<unsigned char> m_metadata;
-    int m_metadataLength = 0;
+    uint32_t m_signature = 0x524C4500u;     // "RLE" and a zero byte
+    std::vector<unsigned char> m_metadata;  // its size is the metadata length
 };
 
 // True for a grid level whose level number is the given one.
@@ -276,6 +296,7 @@ private:
 };
 
 // Enumerates every occupied cell of every level of an index, level by level in append order.
+// A null index behaves as an index without levels.
 class KXAC_API CRLEIndexCursor {
 public:
     explicit CRLEIndexCursor(CRLEIndex* index);

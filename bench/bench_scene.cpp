@@ -1,0 +1,263 @@
+#include "bench_scene.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <stdexcept>
+
+namespace kxbench {
+namespace {
+
+constexpr int kLabelHeight = 13;
+constexpr int kClearance = 4;
+constexpr int kWorldWidth = 8192;
+constexpr int kWorldHeight = 4096;
+constexpr int kPieceSpan = 48;
+
+// Cells per label on the synthetic canvases: about three times a label's own area, a density at
+// which roughly half of the labels find a place.
+constexpr double kCellsPerLabel = 2400.0;
+
+struct City {
+    double lon = 0.0;
+    double lat = 0.0;
+    int nameLength = 0;  // code points
+};
+
+struct MapData {
+    std::vector<City> cities;
+    std::vector<std::vector<double>> borders;
+    std::vector<std::vector<double>> coast;
+};
+
+int Utf8Length(const std::string& s) {
+    return static_cast<int>(
+        std::count_if(s.begin(), s.end(), [](char ch) { return (ch & 0xC0) != 0x80; }));
+}
+
+std::ifstream OpenData(const char* name) {
+    std::string path = std::string(KXAC_BENCH_DATA_DIR) + "/" + name;
+    std::ifstream in(path);
+    if (!in) throw std::runtime_error("cannot read " + path);
+    std::string header;
+    std::getline(in, header);
+    return in;
+}
+
+std::vector<City> ReadCities() {
+    std::ifstream in = OpenData("cities.tsv");
+    std::vector<City> cities;
+    std::string line;
+    while (std::getline(in, line)) {
+        std::istringstream fields(line);
+        std::string name, lon, lat;
+        if (!std::getline(fields, name, '\t') || !std::getline(fields, lon, '\t') ||
+            !std::getline(fields, lat, '\t')) {
+            continue;
+        }
+        cities.push_back({std::strtod(lon.c_str(), nullptr), std::strtod(lat.c_str(), nullptr),
+                          Utf8Length(name)});
+    }
+    return cities;
+}
+
+std::vector<std::vector<double>> ReadPolylines(const char* name) {
+    std::ifstream in = OpenData(name);
+    std::vector<std::vector<double>> lines;
+    std::string line;
+    while (std::getline(in, line)) {
+        size_t tab = line.find('\t');
+        if (tab == std::string::npos) continue;
+        std::vector<double> lonLat;
+        const char* p = line.c_str() + tab + 1;
+        char* end = nullptr;
+        for (;;) {
+            double lon = std::strtod(p, &end);
+            if (end == p || *end != ',') break;
+            double lat = std::strtod(end + 1, &end);
+            lonLat.push_back(lon);
+            lonLat.push_back(lat);
+            p = end;
+        }
+        if (lonLat.size() >= 4) lines.push_back(std::move(lonLat));
+    }
+    return lines;
+}
+
+// Read once per process; the benchmarks only read it.
+const MapData& Data() {
+    static const MapData data{ReadCities(), ReadPolylines("borders.tsv"),
+                              ReadPolylines("coastline.tsv")};
+    return data;
+}
+
+int WorldX(double lon) {
+    return static_cast<int>(std::lround((lon + 180.0) / 360.0 * kWorldWidth));
+}
+int WorldY(double lat) {
+    return static_cast<int>(std::lround((90.0 - lat) / 180.0 * kWorldHeight));
+}
+
+Label LabelRightOf(int x, int y, int width) {
+    Box box(x + kClearance, y - kLabelHeight / 2, x + kClearance + width - 1,
+            y - kLabelHeight / 2 + kLabelHeight - 1);
+    return {box, ClassicOffsets(box, Location(x, y), kClearance)};
+}
+
+Obstacle Dot(int x, int y) {
+    return {{x - 1, y - 2, x + 2, y - 2, x + 3, y - 1, x + 3, y + 2, x + 2, y + 3, x - 1, y + 3,
+             x - 2, y + 2, x - 2, y - 1},
+            0};
+}
+
+void AddPieces(const std::vector<std::vector<double>>& lines, Scene& s) {
+    for (const auto& lonLat : lines) {
+        std::vector<int> xy;
+        xy.reserve(lonLat.size());
+        for (size_t i = 0; i + 1 < lonLat.size(); i += 2) {
+            xy.push_back(WorldX(lonLat[i]));
+            xy.push_back(WorldY(lonLat[i + 1]));
+        }
+        for (auto& piece : SplitPolyline(xy, kPieceSpan))
+            s.forced.push_back({std::move(piece), 1});
+    }
+}
+
+Scene SyntheticCanvas(int n) {
+    Scene s;
+    int side = static_cast<int>(std::ceil(std::sqrt(n * kCellsPerLabel)));
+    s.width = side;
+    s.height = side;
+    s.labels.reserve(n);
+    return s;
+}
+
+}  // namespace
+
+std::vector<Location> ClassicOffsets(const Box& rightOfPoint, const Location& point,
+                                     int clearance) {
+    int w = rightOfPoint.Width();
+    int h = rightOfPoint.Height();
+    int centred = point.x - w / 2 - rightOfPoint.left;
+    return {Location(-w - 2 * clearance, 0),
+            Location(centred, point.y - clearance - h - rightOfPoint.top),
+            Location(centred, point.y + clearance - rightOfPoint.top)};
+}
+
+std::vector<std::vector<int>> SplitPolyline(const std::vector<int>& xy, int maxSpan) {
+    std::vector<int> pts;
+    pts.reserve(xy.size());
+    for (size_t i = 0; i + 1 < xy.size(); i += 2) {
+        size_t n = pts.size();
+        if (n >= 2 && pts[n - 2] == xy[i] && pts[n - 1] == xy[i + 1]) continue;
+        pts.push_back(xy[i]);
+        pts.push_back(xy[i + 1]);
+    }
+    std::vector<std::vector<int>> pieces;
+    size_t count = pts.size() / 2;
+    if (count < 2) return pieces;
+    size_t start = 0;
+    Box span(pts[0], pts[1], pts[0], pts[1]);
+    for (size_t i = 1; i < count; ++i) {
+        Box grown = span;
+        grown.Union(Box(pts[2 * i], pts[2 * i + 1], pts[2 * i], pts[2 * i + 1]));
+        bool tooWide = static_cast<long long>(grown.right) - grown.left > maxSpan ||
+                       static_cast<long long>(grown.bottom) - grown.top > maxSpan;
+        if (tooWide && i - 1 > start) {
+            pieces.emplace_back(pts.begin() + 2 * start, pts.begin() + 2 * i);
+            start = i - 1;
+            grown = Box(pts[2 * start], pts[2 * start + 1], pts[2 * start], pts[2 * start + 1]);
+            grown.Union(Box(pts[2 * i], pts[2 * i + 1], pts[2 * i], pts[2 * i + 1]));
+        }
+        span = grown;
+    }
+    pieces.emplace_back(pts.begin() + 2 * start, pts.end());
+    return pieces;
+}
+
+Scene UniformLabels(int n, uint32_t seed) {
+    Scene s = SyntheticCanvas(n);
+    std::mt19937 rng(seed);
+    std::uniform_int_distribution<int> x(0, s.width - 1), y(0, s.height - 1), w(24, 96);
+    for (int i = 0; i < n; ++i) {
+        int px = x(rng), py = y(rng), width = w(rng);
+        s.labels.push_back(LabelRightOf(px, py, width));
+    }
+    return s;
+}
+
+Scene ClusteredLabels(int n, uint32_t seed) {
+    Scene s = SyntheticCanvas(n);
+    std::mt19937 rng(seed);
+    std::uniform_int_distribution<int> x(0, s.width - 1), y(0, s.height - 1), w(24, 96);
+    std::vector<Location> centres(static_cast<size_t>(std::max(1, n / 100)));
+    for (auto& c : centres)
+        c = Location(x(rng), y(rng));
+    std::uniform_int_distribution<size_t> pick(0, centres.size() - 1);
+    std::normal_distribution<double> spread(0.0, 60.0);
+    for (int i = 0; i < n; ++i) {
+        const Location& c = centres[pick(rng)];
+        int px = std::clamp(c.x + static_cast<int>(spread(rng)), 0, s.width - 1);
+        int py = std::clamp(c.y + static_cast<int>(spread(rng)), 0, s.height - 1);
+        s.labels.push_back(LabelRightOf(px, py, w(rng)));
+    }
+    return s;
+}
+
+Scene WorldCities(int cities) {
+    const MapData& data = Data();
+    size_t n = data.cities.size();
+    if (cities > 0) n = std::min(n, static_cast<size_t>(cities));
+    Scene s;
+    s.width = kWorldWidth;
+    s.height = kWorldHeight;
+    for (size_t i = 0; i < n; ++i) {
+        const City& c = data.cities[i];
+        s.forced.push_back(Dot(WorldX(c.lon), WorldY(c.lat)));
+    }
+    AddPieces(data.borders, s);
+    AddPieces(data.coast, s);
+    for (size_t i = 0; i < n; ++i) {
+        const City& c = data.cities[i];
+        s.labels.push_back(LabelRightOf(WorldX(c.lon), WorldY(c.lat), 7 * c.nameLength + 2));
+    }
+    return s;
+}
+
+void FitToScene(CAvoidContainer& c, const Scene& s) {
+    FitDeviceRect(*c.DT(), 0, 0, s.width, s.height);
+    FitMapExtent(*c.DT(), 0.0, 0.0, s.width, s.height);
+}
+
+PassCounts RunPass(CAvoidContainer& c, Scene& s, size_t maxLabels) {
+    for (Obstacle& o : s.forced) {
+        CAvoidObject* obj = c.NewObject();
+        int count = static_cast<int>(o.xy.size());
+        if (o.halfWidth > 0) {
+            obj->AddLine(o.xy.data(), count, o.halfWidth);
+        } else {
+            obj->AddRing(o.xy.data(), count);
+        }
+        c.Add(obj, true);
+    }
+    size_t n = std::min(maxLabels, s.labels.size());
+    for (size_t i = 0; i < n; ++i) {
+        const Label& l = s.labels[i];
+        CAvoidObject* obj = c.NewObject();
+        const Box& b = l.box;
+        int ring[] = {b.left,      b.top,        b.right + 1, b.top,
+                      b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
+        obj->AddRing(ring, 8);
+        auto& offsets = obj->OffsetCollection();
+        offsets.insert(offsets.end(), l.offsets.begin(), l.offsets.end());
+        c.Add(obj, false);
+    }
+    PassCounts counts{c.PlacedObjects().size(), c.UnplacedObjects().size()};
+    c.Reset();
+    return counts;
+}
+
+}  // namespace kxbench

@@ -1,0 +1,119 @@
+package com.tavrint.demo;
+
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import com.tavrint.demo.Candidates.Position;
+import java.util.HashSet;
+import java.util.Random;
+import java.util.Set;
+import org.junit.jupiter.api.Test;
+
+class CandidatesTest {
+    @Test
+    void firstCandidateIsTheBaseAndStandsRightOfThePoint() {
+        Candidates c = Candidates.around(100.0, 50.0, 4.0, 30, 12, 400, 200);
+        assertEquals(Position.RIGHT, c.position(0));
+        assertEquals(0, c.dx(0));
+        assertEquals(0, c.dy(0));
+        assertEquals(104, c.left(0));
+        assertEquals(44, c.top(0));
+        assertEquals(Position.values().length, c.size());
+    }
+
+    @Test
+    void boxesKeepTheClearanceFromThePointOnTheirSide() {
+        double px = 200.0;
+        double py = 100.0;
+        double clearance = 5.0;
+        int w = 40;
+        int h = 14;
+        Candidates c = Candidates.around(px, py, clearance, w, h, 1000, 1000);
+        for (int i = 0; i < c.size(); i++) {
+            int l = c.left(i);
+            int t = c.top(i);
+            switch (c.position(i)) {
+                case LEFT -> assertEquals(px - clearance, l + w, 1.0);
+                case ABOVE -> assertEquals(py - clearance, t + h, 1.0);
+                case BELOW -> assertEquals(py + clearance, t, 1.0);
+                default -> { }
+            }
+            // No candidate box holds the point itself.
+            assertFalse(l <= px && px < l + w && t <= py && py < t + h, c.position(i).name());
+        }
+    }
+
+    @Test
+    void xOffsetsAreDistinctAndIdentifyTheirCandidate() {
+        long seed = 12345L;
+        Random rng = new Random(seed);
+        for (int round = 0; round < 2000; round++) {
+            int cw = 50 + rng.nextInt(400);
+            int ch = 30 + rng.nextInt(300);
+            double px = rng.nextDouble() * cw;
+            double py = rng.nextDouble() * ch;
+            int w = 1 + rng.nextInt(60);
+            int h = 1 + rng.nextInt(20);
+            double clearance = rng.nextDouble() * 6;
+            Candidates c = Candidates.around(px, py, clearance, w, h, cw, ch);
+            Set<Integer> dxs = new HashSet<>();
+            String where = "seed " + seed + " round " + round;
+            for (int i = 0; i < c.size(); i++) {
+                assertTrue(dxs.add(c.dx(i)), "repeated dx, " + where);
+                assertEquals(i, c.indexOfDx(c.dx(i)), where);
+            }
+        }
+    }
+
+    @Test
+    void everyCandidateFitsTheCanvasAndStaysNearItsNaturalPlace() {
+        long seed = 777L;
+        Random rng = new Random(seed);
+        for (int round = 0; round < 2000; round++) {
+            int cw = 40 + rng.nextInt(200);
+            int ch = 20 + rng.nextInt(200);
+            double px = rng.nextDouble() * cw;
+            double py = rng.nextDouble() * ch;
+            int w = 1 + rng.nextInt(50);
+            int h = 1 + rng.nextInt(15);
+            Candidates c = Candidates.around(px, py, 3.0, w, h, cw, ch);
+            String where = "seed " + seed + " round " + round;
+            for (int i = 0; i < c.size(); i++) {
+                assertTrue(c.left(i) >= 0 && c.left(i) + w <= cw, where);
+                assertTrue(c.top(i) >= 0 && c.top(i) + h <= ch, where);
+                double natural = naturalLeft(c.position(i), px, 3.0, w);
+                assertTrue(Math.abs(c.left(i) - natural) <= Candidates.MAX_NUDGE + 0.5, where);
+            }
+        }
+    }
+
+    // Where each position puts a box's left edge before any nudge.
+    private static double naturalLeft(Position p, double px, double clearance, int w) {
+        double diag = clearance / Math.sqrt(2);
+        return switch (p) {
+            case RIGHT -> px + clearance;
+            case LEFT -> px - clearance - w;
+            case ABOVE, BELOW -> px - w / 2.0;
+            case UPPER_RIGHT, LOWER_RIGHT -> px + diag;
+            case UPPER_LEFT, LOWER_LEFT -> px - diag - w;
+        };
+    }
+
+    @Test
+    void labelWiderThanTheCanvasHasNoCandidate() {
+        Candidates c = Candidates.around(50.0, 50.0, 3.0, 120, 10, 100, 100);
+        assertTrue(c.isEmpty());
+        assertEquals(-1, c.indexOfDx(0));
+    }
+
+    @Test
+    void pointAtTheRightEdgeStartsWithTheLeftCandidate() {
+        Candidates c = Candidates.around(395.0, 100.0, 3.0, 30, 10, 400, 200);
+        assertEquals(Position.LEFT, c.position(0));
+        for (int i = 0; i < c.size(); i++) {
+            assertTrue(c.position(i).name().contains("LEFT") || c.position(i) == Position.ABOVE
+                    || c.position(i) == Position.BELOW);
+        }
+    }
+}

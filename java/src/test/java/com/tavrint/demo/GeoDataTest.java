@@ -1,0 +1,72 @@
+package com.tavrint.demo;
+
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
+import static org.junit.jupiter.api.Assertions.assertThrows;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import com.tavrint.demo.GeoData.City;
+import com.tavrint.demo.GeoData.Polyline;
+import java.io.BufferedReader;
+import java.io.IOException;
+import java.io.StringReader;
+import java.util.List;
+import org.junit.jupiter.api.Test;
+
+class GeoDataTest {
+    private static BufferedReader text(String s) {
+        return new BufferedReader(new StringReader(s));
+    }
+
+    @Test
+    void citiesKeepTheirFieldsAndSkipTheHeader() throws IOException {
+        List<City> cities = GeoData.parseCities(text(
+                "name\tlon\tlat\tpopulation\tcountry\n"
+                        + "Saint-Étienne\t4.390000\t45.433330\t171483\tFR\n"
+                        + "Hamlet\t-0.500000\t-1.250000\t0\tGB\n"));
+        assertEquals(2, cities.size());
+        City c = cities.get(0);
+        assertEquals("Saint-Étienne", c.name());
+        assertEquals(4.39, c.lon());
+        assertEquals(45.43333, c.lat());
+        assertEquals(171483L, c.population());
+        assertEquals("FR", c.country());
+        assertEquals(-1.25, cities.get(1).lat());
+    }
+
+    @Test
+    void malformedCityLineNamesItsLineNumber() {
+        IOException e = assertThrows(IOException.class, () -> GeoData.parseCities(
+                text("header\nA\t1\t2\t3\tXX\nB\tone\t2\t3\tXX\n")));
+        assertTrue(e.getMessage().startsWith("line 3"), e.getMessage());
+        e = assertThrows(IOException.class,
+                () -> GeoData.parseCities(text("header\nA\t1\t2\t3\n")));
+        assertTrue(e.getMessage().startsWith("line 2"), e.getMessage());
+    }
+
+    @Test
+    void polylinesParseVerticesAndTellClosedRings() throws IOException {
+        List<Polyline> lines = GeoData.parsePolylines(text("id\tvertices\n"
+                + "0\t1.5,2.5 3.0,4.0\n"
+                + "1\t0.0,0.0 1.0,0.0 1.0,1.0 0.0,0.0\n"));
+        assertEquals(2, lines.size());
+        assertArrayEquals(new double[] {1.5, 2.5, 3.0, 4.0}, lines.get(0).lonLat());
+        assertEquals(2, lines.get(0).vertexCount());
+        assertFalse(lines.get(0).isClosed());
+        assertTrue(lines.get(1).isClosed());
+    }
+
+    @Test
+    void polylineWithOneVertexIsLeftOut() throws IOException {
+        assertTrue(GeoData.parsePolylines(text("id\tvertices\n0\t1.0,2.0\n")).isEmpty());
+    }
+
+    @Test
+    void malformedVertexFails() {
+        assertThrows(IOException.class,
+                () -> GeoData.parsePolylines(text("id\tvertices\n0\t1.0;2.0 3,4\n")));
+        assertThrows(IOException.class,
+                () -> GeoData.parsePolylines(text("id\tvertices\n0\t1.0,x 3,4\n")));
+    }
+}

@@ -1,0 +1,103 @@
+// The container of a placement pass and its greedy priority placement.
+#include "placement/AvoidContainer.h"
+
+#include <algorithm>
+
+CAvoidContainer::CAvoidContainer() = default;
+
+CAvoidContainer::~CAvoidContainer() { CAvoidContainer::Destroy(); }
+
+void CAvoidContainer::Reset() {
+    for (std::list<CAvoidObject*>* list : {&m_placed, &m_unplaced}) {
+        while (!list->empty()) {
+            m_pool.push(list->front());
+            list->pop_front();
+        }
+    }
+}
+
+CAvoidObject* CAvoidContainer::NewObject() {
+    CAvoidObject* obj;
+    if (m_pool.empty()) {
+        obj = new CAvoidObject();
+    } else {
+        obj = m_pool.front();
+        m_pool.pop();
+    }
+    obj->Reset();
+    obj->DT(DT());
+    return obj;
+}
+
+void CAvoidContainer::Recycle(CAvoidObject* obj) {
+    if (obj == nullptr) return;
+    std::list<CAvoidObject*>* list;
+    switch (obj->PlacedState()) {
+        case CAvoidObject::kNotAdded:
+            m_pool.push(obj);
+            return;
+        case CAvoidObject::kPlaced:
+            list = &m_placed;
+            break;
+        case CAvoidObject::kNotPlaced:
+            list = &m_unplaced;
+            break;
+        default:
+            return;
+    }
+    const auto it = std::find(list->begin(), list->end(), obj);
+    if (it == list->end()) return;
+    list->erase(it);
+    m_pool.push(obj);
+}
+
+void CAvoidContainer::Destroy() {
+    Reset();
+    while (!m_pool.empty()) {
+        delete m_pool.front();
+        m_pool.pop();
+    }
+}
+
+bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
+    if (obj == nullptr) return true;
+    if (force) {
+        obj->PlacedState(CAvoidObject::kPlaced);
+        m_placed.push_back(obj);
+        return true;
+    }
+    obj->PlacedState(CAvoidObject::kNotPlaced);
+    std::vector<Location>& offsets = obj->OffsetCollection();
+    std::vector<CAvoidObject*> candidates;
+    for (auto it = offsets.begin(); it != offsets.end(); ++it) {
+        obj->OffsetIterator(it);
+        candidates.clear();
+        IntersectBox(obj, candidates);
+        if (candidates.empty()) {
+            m_placed.push_back(obj);
+            obj->PlacedState(CAvoidObject::kPlaced);
+            return true;
+        }
+        if (TakePalce(obj, candidates)) return true;
+    }
+    obj->OffsetIterator(offsets.begin());
+    m_unplaced.push_back(obj);
+    return true;
+}
+
+void CPriorityAvoidContainer::IntersectBox(CAvoidObject* obj,
+                                           std::vector<CAvoidObject*>& candidates) {
+    const Box extent = obj->MaxExtent();
+    for (CAvoidObject* placed : m_placed) {
+        if (extent.IsIntersect(placed->MaxExtent())) candidates.push_back(placed);
+    }
+}
+
+bool CPriorityAvoidContainer::TakePalce(CAvoidObject* obj, std::vector<CAvoidObject*>& candidates) {
+    for (CAvoidObject* placed : candidates) {
+        if (placed->IsIntersect(obj)) return false;
+    }
+    m_placed.push_back(obj);
+    obj->PlacedState(CAvoidObject::kPlaced);
+    return true;
+}

@@ -1,0 +1,211 @@
+// Placement of map objects without overlap.
+//
+// A CAvoidObject is one object that asks for a place on the canvas: a footprint made of boxes and
+// of a grid of occupied cells (its own grid level of runs, filled by rasterising lines and rings),
+// a list of candidate offsets, an identity and a placed state. A container hands objects out of a
+// pool of recycled ones, keeps the pass's transform and the lists of placed and unplaced objects.
+// CPriorityAvoidContainer places greedily in the order of adding: each object goes to the first
+// of its offsets at which it meets no object placed before it, or is rejected.
+//
+// Cost of the placement: every attempt filters all placed objects by their coarse extents and
+// runs the footprint test, cell by cell over the overlap of the two run extents, on those that
+// pass. An attempt is linear in the number of objects placed so far.
+#pragma once
+
+#include <deque>
+#include <list>
+#include <queue>
+#include <string>
+#include <vector>
+
+#include "index/RLEIndex.h"
+#include "placement/Geometry.h"
+#include "placement/RLERaster.h"
+#include "placement/Transform.h"
+#include "stdafx.h"
+
+// One object to be placed. Its footprint never moves: every test shifts it by the current offset
+// at the moment of the test.
+//
+// Extents: the run extent is recorded from the grid by RecordMaxRLE (lines and rings record it
+// after every call). MaxExtent() is the empty box united with the run extent, so a run extent
+// right of and below cell (1, 1) is stretched out to that cell; boxes take part in no extent, and
+// an object without runs is not valid and collides with nothing.
+//
+// Lines and rings need the attached transform: the canvas-bounds test reads its origin and size,
+// the double forms its map extent and resolution. Without a transform they add nothing. Spans are
+// clipped to the raster (columns 0 .. width - 1, rows 0 .. height - 1). A trailing odd coordinate
+// value is ignored, and a null array draws nothing. A segment of length 0 draws nothing.
+//
+// The rasterizer is exact for cell coordinates within 16 bits and shapes narrower than 32,767
+// columns; a stroke or ring inside that range gives exactly its cells. One that leaves it (for
+// instance coordinates of a million cells) is first clipped to a window of the raster with a
+// margin of a few cells, so the cells inside the raster are those of the exact shape, up to the
+// rounding of the clipped vertices to subpixels at the window's edge. The window reaches at most
+// 32,000 cells into the raster: on a larger canvas, cells beyond that come only from shapes
+// inside the range.
+class KXAC_API CAvoidObject : private CRLEIndexCreate, private CRLERaster {
+public:
+    // State 0: not added since the last Reset; 1: placed; 2: not placed.
+    enum : int { kNotAdded = 0, kPlaced = 1, kNotPlaced = 2 };
+
+    CAvoidObject();
+    ~CAvoidObject() override;
+    CAvoidObject(const CAvoidObject&) = delete;
+    CAvoidObject& operator=(const CAvoidObject&) = delete;
+
+    // Frees the runs, empties boxes and offsets, puts (0, 0) as the only offset and makes it
+    // current, empties both extents, numeric ID 0, state 0. String ID and transform stay.
+    void Reset();
+
+    std::vector<Location>& OffsetCollection() { return m_offsets; }
+    // The current position is kept as an index, so appending offsets never invalidates it. A
+    // position past the end of the offsets reads as end().
+    std::vector<Location>::iterator OffsetIterator();
+    // Callers pass a position inside OffsetCollection() (end() included).
+    void OffsetIterator(std::vector<Location>::iterator position);
+    // The offset at the current position; (0, 0) when the position lies past the end (an object
+    // never reset, or one whose offsets were cleared behind the position).
+    Location Offset() const;
+    // Offsets back to the single (0, 0); the current position is not moved.
+    void ClearOffset();
+
+    // Appends the box, unshifted; no extent changes.
+    void AddBox(const Box& box);
+    // Converts (x1, y1) to the box's (left, top) and (x2, y2) to (right, bottom) through the
+    // transform, corners unsorted. Without a transform nothing is added.
+    void AddBox(const Envelope& envelope);
+
+    // xy holds count values x0, y0, x1, y1, ... in cells; width is the stroke's half-width in
+    // cells. Each segment is a rectangle of thickness 2 * width with no caps or joins.
+    void AddLine(int* xy, int count, int width);
+    // The ring as one polygon under the even-odd rule.
+    void AddRing(int* xy, int count);
+    // Map units, converted to cells through the transform's scratch buffer.
+    void AddLine(double* xy, int count, int width);
+    void AddRing(double* xy, int count);
+
+    // The run sink: the cells first .. last (inclusive) of row join this object's grid.
+    void AddRLE(int row, int first, int last) override;
+
+    long long ID() const { return m_id; }
+    void ID(long long id) { m_id = id; }
+    const std::string& StringID() const { return m_stringId; }
+    void StringID(const std::string& id) { m_stringId = id; }
+    int PlacedState() const { return m_state; }
+    void PlacedState(int state) { m_state = state; }
+
+    const std::vector<Box>& Boxes() const { return m_boxes; }
+    // Run extent := (StartCol, StartRow, EndCol, EndRow) of the grid; invalid for an empty grid.
+    void RecordMaxRLE();
+    // The run extent shifted by the current offset.
+    Box RLEMaxExtent() const;
+    // The empty box united with the run extent, shifted by the current offset.
+    Box MaxExtent() const;
+    bool IsValid() const { return MaxExtent().IsValid(); }
+
+    CDT* DT() override;
+    void DT(CDT* dt) override;
+    void OnResizeConvas() override;
+
+    // Footprint overlap at both current offsets. One-sided: this object's boxes are tested
+    // against o's boxes and o's runs, o's boxes never against this object's runs. False when
+    // either object is not valid, or o is null.
+    bool IsIntersect(CAvoidObject* o) const;
+    // b in canvas cells against this object's boxes and runs.
+    bool IsIntersect(Box& b) const;
+    // b in canvas cells against this object's runs.
+    bool IsIntersectRLE(const Box& b) const;
+    // Some canvas cell is occupied both here and in g, which lies at offset go with extent e.
+    bool IsIntersectRLE(CRLEIndexQuery* g, const Box& e, const Location& go) const;
+    // Same as IsExistRLE2.
+    bool IsExistRLE(CRLEIndexQuery* g, const Box& area, const Location& go) const;
+    // Scans the canvas cells of area column by column, asking g only where this object's cell is
+    // occupied. An inverted area scans nothing.
+    bool IsExistRLE2(CRLEIndexQuery* g, const Box& area, const Location& go) const;
+    // Box in this object's own cells. For a valid box: whether any cell of it is occupied. For
+    // an inverted box: a centre-first search that probes the centre, then the four quarters
+    // (sharing the centre row and column), where a quarter equal to the box it was cut from or
+    // to an earlier quarter is not searched again; a quarter whose cells hold no run is skipped.
+    // Boxes reaching beyond +-2^30, where the centre of a box wraps, are answered as valid boxes
+    // over the cells between their bounds.
+    bool IsExistRLE(const Box& b) const;
+
+    // Read access to the object's own runs.
+    const CRLEIndexQuery& Grid() const { return *this; }
+
+private:
+    // Rasterises the polygon in m_polygon (subpixel coordinates, not yet truncated).
+    void DrawPolygon();
+    void DrawSegment(int x0, int y0, int x1, int y1, int width);
+    // Whether the closed rectangle of the canvas misses the bounding box.
+    bool OutsideCanvas(double minX, double minY, double maxX, double maxY);
+
+    std::vector<Box> m_boxes;
+    std::vector<Location> m_offsets;
+    size_t m_position = 0;
+    // Nothing ever grows it: it keeps MaxExtent's widening toward cell (1, 1).
+    Box m_declaredExtent;
+    Box m_runExtent;
+    long long m_id = 0;
+    std::string m_stringId;
+    int m_state = kNotAdded;
+    // Scratch of the polygon being drawn and of its clipping; reused, only grows.
+    std::vector<double> m_polygon;
+    std::vector<double> m_clipped;
+};
+
+// Owner of the objects of one placement pass and keeper of its transform.
+class KXAC_API CAvoidContainer {
+public:
+    CAvoidContainer();
+    virtual ~CAvoidContainer();
+    CAvoidContainer(const CAvoidContainer&) = delete;
+    CAvoidContainer& operator=(const CAvoidContainer&) = delete;
+
+    // Places or rejects obj; see the derived class.
+    virtual bool Add(CAvoidObject* obj, bool force) = 0;
+    virtual void Calculate() = 0;
+    // Moves the placed, then the unplaced objects, each list in order, to the back of the pool.
+    // States are not changed.
+    virtual void Reset();
+
+    // The object recycled earliest, or a new one; reset, with the transform attached. It is in
+    // no list and not in the pool: until it is added or recycled the caller owns it.
+    CAvoidObject* NewObject();
+    // Gives obj back by its state: 0 appends it to the pool (no check that it is there already);
+    // 1 and 2 move the first node holding it from the placed or unplaced list to the pool, and
+    // do nothing when no node holds it; other states and null do nothing. obj is not touched.
+    void Recycle(CAvoidObject* obj);
+    // Reset(), then deletes every pooled object.
+    void Destroy();
+    CDT* DT() { return &m_dt; }
+
+    const std::list<CAvoidObject*>& PlacedObjects() const { return m_placed; }
+    const std::list<CAvoidObject*>& UnplacedObjects() const { return m_unplaced; }
+
+private:
+    std::queue<CAvoidObject*, std::deque<CAvoidObject*>> m_pool;
+
+protected:
+    std::list<CAvoidObject*> m_placed;
+    std::list<CAvoidObject*> m_unplaced;
+
+private:
+    CDT m_dt;
+};
+
+// Greedy placement in the order of adding: an earlier object always wins.
+class KXAC_API CPriorityAvoidContainer : public CAvoidContainer {
+public:
+    // Forced: placed at its current offset without a test. Otherwise each offset is tried in
+    // order; the object is placed at the first at which no placed object collides with it, or
+    // listed as unplaced with its first offset current. Always true; null is ignored.
+    bool Add(CAvoidObject* obj, bool force) override;
+    // Placements are final at once: nothing to do.
+    void Calculate() override {}
+    // Appends the placed objects whose MaxExtent meets obj's, in placement order.
+    void IntersectBox(CAvoidObject* obj, std::vector<CAvoidObject*>& candidates);
+    // Places obj unless a candidate, as the receiver, collides with it.
+    bool TakePalce(CAvoidObject* obj, std::vector<CAvoidObject*>& candidates);
+};

@@ -1,0 +1,183 @@
+// The avoid object: identity, state, offsets, extents and the footprint collision tests.
+#include <algorithm>
+#include <cstdint>
+
+#include "placement/AvoidContainer.h"
+
+namespace {
+
+// Centres of boxes whose coordinates stay within this bound never wrap in 32 bits, and then
+// every centre of every quarter of a box lies between the box's bounds.
+constexpr int kNoWrapLimit = 1 << 30;
+
+bool WrapSafe(const Box& b) {
+    return std::min({b.left, b.top, b.right, b.bottom}) >= -kNoWrapLimit &&
+           std::max({b.left, b.top, b.right, b.bottom}) < kNoWrapLimit;
+}
+
+// Whether any occupied cell of g lies in the rectangle between the bounds of b, whatever their
+// order.
+bool AnyCellBetween(const CRLEIndexQuery& g, const Box& b) {
+    if (g.IsEmpty()) return false;
+    const long long col0 = std::min(b.left, b.right);
+    const long long col1 = std::max(b.left, b.right);
+    const long long row0 = std::max<long long>(std::min(b.top, b.bottom), g.StartRow());
+    const long long row1 = std::min<long long>(std::max(b.top, b.bottom), g.EndRow());
+    for (long long row = row0; row <= row1; ++row) {
+        const RLERowRuns* runs = g.RowRuns(static_cast<int>(row));
+        if (runs == nullptr) continue;
+        // Runs are ordered and disjoint: the first run ending at or after col0 decides.
+        const auto it = std::lower_bound(runs->begin(), runs->end(), col0,
+                                         [](const RLE& r, long long c) { return r.end < c; });
+        if (it != runs->end() && it->start <= col1) return true;
+    }
+    return false;
+}
+
+// The centre-first quartering search over an inverted (or partly inverted) box. A quarter that
+// equals the box it was cut from would search that box again without end; it, and a quarter
+// equal to an earlier one, count as free. Quarters shrink in at least one dimension, so the
+// recursion depth stays within about 70 levels.
+bool QuarterSearch(const CRLEIndexQuery& g, const Box& b) {
+    const Location c = b.Center();
+    if (g.IsExist(c.y, c.x)) return true;
+    if (b.Width() == 1 && b.Height() == 1) return false;
+    // Every centre probed below lies between the bounds of b.
+    if (!AnyCellBetween(g, b)) return false;
+    const Box quarters[4] = {Box(b.left, b.top, c.x, c.y), Box(c.x, b.top, b.right, c.y),
+                             Box(b.left, c.y, c.x, b.bottom), Box(c.x, c.y, b.right, b.bottom)};
+    for (int i = 0; i < 4; ++i) {
+        const Box& q = quarters[i];
+        if (q == b || std::find(quarters, quarters + i, q) != quarters + i) continue;
+        if (QuarterSearch(g, q)) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+CAvoidObject::CAvoidObject() = default;
+
+CAvoidObject::~CAvoidObject() = default;
+
+void CAvoidObject::Reset() {
+    Clear();
+    m_boxes.clear();
+    m_offsets.clear();
+    m_offsets.emplace_back(0, 0);
+    m_position = 0;
+    m_declaredExtent = Box();
+    m_runExtent = Box();
+    m_id = 0;
+    m_state = kNotAdded;
+}
+
+std::vector<Location>::iterator CAvoidObject::OffsetIterator() {
+    return m_offsets.begin() + static_cast<std::ptrdiff_t>(std::min(m_position, m_offsets.size()));
+}
+
+void CAvoidObject::OffsetIterator(std::vector<Location>::iterator position) {
+    m_position = static_cast<size_t>(position - m_offsets.begin());
+}
+
+Location CAvoidObject::Offset() const {
+    return m_position < m_offsets.size() ? m_offsets[m_position] : Location();
+}
+
+void CAvoidObject::ClearOffset() {
+    m_offsets.clear();
+    m_offsets.emplace_back(0, 0);
+}
+
+void CAvoidObject::AddBox(const Box& box) { m_boxes.push_back(box); }
+
+void CAvoidObject::AddBox(const Envelope& envelope) {
+    const CDT* dt = CRLERaster::DT();
+    if (dt == nullptr) return;
+    AddBox(Box(MapToCellX(*dt, envelope.x1), MapToCellY(*dt, envelope.y1),
+               MapToCellX(*dt, envelope.x2), MapToCellY(*dt, envelope.y2)));
+}
+
+void CAvoidObject::AddRLE(int row, int first, int last) { Add(row, first, last); }
+
+void CAvoidObject::RecordMaxRLE() { m_runExtent = Box(StartCol(), StartRow(), EndCol(), EndRow()); }
+
+Box CAvoidObject::RLEMaxExtent() const { return m_runExtent.Offset(Offset()); }
+
+Box CAvoidObject::MaxExtent() const {
+    Box extent = m_declaredExtent;
+    extent.Union(m_runExtent);
+    return extent.Offset(Offset());
+}
+
+CDT* CAvoidObject::DT() { return CRLERaster::DT(); }
+
+void CAvoidObject::DT(CDT* dt) { CRLERaster::DT(dt); }
+
+void CAvoidObject::OnResizeConvas() { CRLERaster::OnResizeConvas(); }
+
+bool CAvoidObject::IsIntersect(CAvoidObject* o) const {
+    if (o == nullptr || !IsValid() || !o->IsValid()) return false;
+    if (!m_boxes.empty()) {
+        const Location here = Offset();
+        const Location there = o->Offset();
+        for (const Box& a : m_boxes) {
+            const Box shifted = a.Offset(here);
+            for (const Box& b : o->m_boxes) {
+                if (shifted.IsIntersect(b.Offset(there))) return true;
+            }
+        }
+        for (const Box& a : m_boxes) {
+            if (o->IsIntersectRLE(a.Offset(here))) return true;
+        }
+    }
+    return IsIntersectRLE(o, o->RLEMaxExtent(), o->Offset());
+}
+
+bool CAvoidObject::IsIntersect(Box& b) const {
+    const Box extent = MaxExtent();
+    if (!extent.IsValid() || extent.IsDisjoin(b)) return false;
+    const Box local = b.RevOffset(Offset());
+    for (const Box& box : m_boxes) {
+        if (box.IsIntersect(local)) return true;
+    }
+    return IsIntersectRLE(b);
+}
+
+bool CAvoidObject::IsIntersectRLE(const Box& b) const {
+    if (IsEmpty()) return false;
+    const Box local = b.RevOffset(Offset());
+    if (m_runExtent.IsDisjoin(local)) return false;
+    return IsExistRLE(m_runExtent.Intersect(local));
+}
+
+bool CAvoidObject::IsIntersectRLE(CRLEIndexQuery* g, const Box& e, const Location& go) const {
+    const Box r = RLEMaxExtent();
+    if (r.IsDisjoin(e)) return false;
+    return IsExistRLE(g, r.Intersect(e), go);
+}
+
+bool CAvoidObject::IsExistRLE(CRLEIndexQuery* g, const Box& area, const Location& go) const {
+    return IsExistRLE2(g, area, go);
+}
+
+bool CAvoidObject::IsExistRLE2(CRLEIndexQuery* g, const Box& area, const Location& go) const {
+    if (g == nullptr) return false;
+    const Location here = Offset();
+    // 64-bit counters: an area reaching the largest column or row must still end.
+    for (long long x = area.left; x <= area.right; ++x) {
+        for (long long y = area.top; y <= area.bottom; ++y) {
+            const Location p(static_cast<int>(x), static_cast<int>(y));
+            const Location a = p.RevOffset(here);
+            if (!CRLEIndexQuery::IsExist(a.y, a.x)) continue;
+            const Location q = p.RevOffset(go);
+            if (g->IsExist(q.y, q.x)) return true;
+        }
+    }
+    return false;
+}
+
+bool CAvoidObject::IsExistRLE(const Box& b) const {
+    if (b.IsValid() || !WrapSafe(b)) return AnyCellBetween(*this, b);
+    return QuarterSearch(*this, b);
+}

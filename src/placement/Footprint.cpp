@@ -1,0 +1,172 @@
+// Lines and rings of an avoid object, rasterised into its runs.
+//
+// Every stroke and ring is one polygon in subpixels (256 per cell), swept by the object's own
+// rasterizer into its raster target, which clips the spans to the raster and hands them to
+// AddRLE. The rasterizer's arithmetic is exact only for cell coordinates within 16 bits and for
+// polygons narrower than 32,767 columns; a polygon outside that range is clipped beforehand to a
+// window slightly larger than the raster (Sutherland-Hodgman against each side in turn, which
+// keeps the winding of every point inside the window, so the filling rule gives the same cells).
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "placement/AvoidContainer.h"
+
+namespace {
+
+constexpr double kSubpixels = agg::subpixel_scale;
+// Cells whose coordinates the rasterizer handles exactly, and the most columns a polygon spans.
+constexpr double kMinCell = -32767;
+constexpr double kMaxCell = 32766;
+constexpr double kMaxColumns = 32766;
+// The clip window: the raster, at most this far, plus a margin on every side.
+constexpr unsigned kWindowCells = 32000;
+constexpr double kMargin = 4;
+
+double CellOf(double subpixel) { return std::floor(std::trunc(subpixel) / kSubpixels); }
+
+// Sutherland-Hodgman step: keeps the part of the closed polygon `in` (x, y pairs) where
+// side * (coordinate axis - limit) <= 0; crossing points lie exactly on the limit.
+void ClipSide(const std::vector<double>& in, std::vector<double>& out, int axis, double limit,
+              double side) {
+    out.clear();
+    const size_t n = in.size() / 2;
+    for (size_t i = 0; i < n; ++i) {
+        const double* a = &in[2 * ((i + n - 1) % n)];
+        const double* b = &in[2 * i];
+        const bool aIn = side * (a[axis] - limit) <= 0;
+        const bool bIn = side * (b[axis] - limit) <= 0;
+        if (aIn != bIn) {
+            const double t = (limit - a[axis]) / (b[axis] - a[axis]);
+            const int other = 1 - axis;
+            double p[2];
+            p[axis] = limit;
+            p[other] = a[other] + t * (b[other] - a[other]);
+            out.insert(out.end(), p, p + 2);
+        }
+        if (bIn) out.insert(out.end(), b, b + 2);
+    }
+}
+
+// The cells of a map point sequence in the transform's scratch buffer; null when there is
+// nothing to convert or the buffer cannot hold it. A trailing odd value is not converted.
+int* ToCells(CDT* dt, const double* xy, int count) {
+    if (dt == nullptr || xy == nullptr || count < 1) return nullptr;
+    const uint64_t bytes = static_cast<uint64_t>(count) * sizeof(int);
+    if (bytes > std::numeric_limits<uint32_t>::max()) return nullptr;
+    if (!dt->scratch.SetSize(static_cast<uint32_t>(bytes)) || dt->scratch.data == nullptr) {
+        return nullptr;
+    }
+    int* cells = reinterpret_cast<int*>(dt->scratch.data);
+    for (int k = 0; k + 1 < count; k += 2) {
+        cells[k] = MapToCellX(*dt, xy[k]);
+        cells[k + 1] = MapToCellY(*dt, xy[k + 1]);
+    }
+    return cells;
+}
+
+}  // namespace
+
+bool CAvoidObject::OutsideCanvas(double minX, double minY, double maxX, double maxY) {
+    const CDT* dt = CRLERaster::DT();
+    const double x0 = static_cast<double>(dt->originX);
+    const double y0 = static_cast<double>(dt->originY);
+    return x0 + static_cast<double>(dt->width) < minX ||
+           y0 + static_cast<double>(dt->height) < minY || x0 > maxX || y0 > maxY;
+}
+
+void CAvoidObject::DrawPolygon() {
+    const size_t n = m_polygon.size() / 2;
+    if (n == 0) return;
+    double minX = std::numeric_limits<double>::infinity(), maxX = -minX;
+    double minY = minX, maxY = -minX;
+    for (size_t i = 0; i < n; ++i) {
+        const double x = m_polygon[2 * i];
+        const double y = m_polygon[2 * i + 1];
+        if (!std::isfinite(x) || !std::isfinite(y)) return;
+        minX = std::min(minX, x);
+        maxX = std::max(maxX, x);
+        minY = std::min(minY, y);
+        maxY = std::max(maxY, y);
+    }
+    const bool inRange = CellOf(minX) >= kMinCell && CellOf(maxX) <= kMaxCell &&
+                         CellOf(minY) >= kMinCell && CellOf(maxY) <= kMaxCell &&
+                         CellOf(maxX) - CellOf(minX) < kMaxColumns;
+    if (!inRange) {
+        const double left = -kMargin * kSubpixels;
+        const double right = (std::min(width(), kWindowCells) + kMargin) * kSubpixels;
+        const double bottom = (std::min(height(), kWindowCells) + kMargin) * kSubpixels;
+        ClipSide(m_polygon, m_clipped, 0, left, -1.0);
+        ClipSide(m_clipped, m_polygon, 0, right, 1.0);
+        ClipSide(m_polygon, m_clipped, 1, left, -1.0);
+        ClipSide(m_clipped, m_polygon, 1, bottom, 1.0);
+        if (m_polygon.size() < 6) return;
+    }
+    agg::outline& outline = Rasterizer().get_outline();
+    outline.reset();
+    const int firstX = kxac::TruncToInt(m_polygon[0]);
+    const int firstY = kxac::TruncToInt(m_polygon[1]);
+    outline.move_to(firstX, firstY);
+    for (size_t i = 2; i + 1 < m_polygon.size(); i += 2) {
+        outline.line_to(kxac::TruncToInt(m_polygon[i]), kxac::TruncToInt(m_polygon[i + 1]));
+    }
+    outline.line_to(firstX, firstY);
+    Sweep();
+}
+
+void CAvoidObject::DrawSegment(int x0, int y0, int x1, int y1, int width) {
+    if (OutsideCanvas(std::min(x0, x1), std::min(y0, y1), std::max(x0, x1), std::max(y0, y1))) {
+        return;
+    }
+    // Differences wrap in 32 bits, as the stroke's direction is defined by them.
+    const double dx = kxac::WrapSub(x1, x0);
+    const double dy = kxac::WrapSub(y1, y0);
+    if (dx == 0 && dy == 0) return;
+    const double len = std::sqrt(dx * dx + dy * dy);
+    const double ox = static_cast<double>(width) * dy / len;
+    const double oy = static_cast<double>(width) * dx / len;
+    m_polygon.assign({(x0 - ox) * kSubpixels, (y0 + oy) * kSubpixels, (x1 - ox) * kSubpixels,
+                      (y1 + oy) * kSubpixels, (x1 + ox) * kSubpixels, (y1 - oy) * kSubpixels,
+                      (x0 + ox) * kSubpixels, (y0 - oy) * kSubpixels});
+    DrawPolygon();
+}
+
+void CAvoidObject::AddLine(int* xy, int count, int width) {
+    if (xy != nullptr && CRLERaster::DT() != nullptr) {
+        const int points = count / 2;
+        for (int k = 0; k + 1 < points; ++k) {
+            DrawSegment(xy[2 * k], xy[2 * k + 1], xy[2 * k + 2], xy[2 * k + 3], width);
+        }
+    }
+    RecordMaxRLE();
+}
+
+void CAvoidObject::AddRing(int* xy, int count) {
+    const int points = count > 0 ? count / 2 : 0;
+    if (xy != nullptr && points > 0 && CRLERaster::DT() != nullptr) {
+        double minX = std::numeric_limits<double>::max(), maxX = -minX;
+        double minY = minX, maxY = -minX;
+        for (int k = 0; k < points; ++k) {
+            minX = std::min<double>(minX, xy[2 * k]);
+            maxX = std::max<double>(maxX, xy[2 * k]);
+            minY = std::min<double>(minY, xy[2 * k + 1]);
+            maxY = std::max<double>(maxY, xy[2 * k + 1]);
+        }
+        if (!OutsideCanvas(minX, minY, maxX, maxY)) {
+            m_polygon.resize(2 * static_cast<size_t>(points));
+            for (size_t i = 0; i < m_polygon.size(); ++i)
+                m_polygon[i] = xy[i] * kSubpixels;
+            DrawPolygon();
+        }
+    }
+    RecordMaxRLE();
+}
+
+void CAvoidObject::AddLine(double* xy, int count, int width) {
+    AddLine(ToCells(CRLERaster::DT(), xy, count), count, width);
+}
+
+void CAvoidObject::AddRing(double* xy, int count) {
+    AddRing(ToCells(CRLERaster::DT(), xy, count), count);
+}

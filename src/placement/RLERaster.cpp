@@ -1,0 +1,33 @@
+#include "placement/RLERaster.h"
+
+CRLECreate::~CRLECreate() = default;
+
+CRLERaster::CRLERaster() : agg::rendering_buffer(nullptr, 0, 0, 0), target(this) {
+    rasterizer.gamma(1.3);
+    rasterizer.fill_rule(1);
+}
+
+CRLERaster::~CRLERaster() = default;
+
+unsigned char* CRLERaster::row(unsigned y) {
+    record.row_index = y;
+    record.row_sink = this;
+    return reinterpret_cast<unsigned char*>(&record);
+}
+
+CDT* CRLERaster::DT() { return dt; }
+
+void CRLERaster::DT(CDT* p) {
+    dt = p;
+    OnResizeConvas();
+}
+
+void CRLERaster::OnResizeConvas() {
+    if (dt == nullptr) {
+        set_size(0x7FFFFFFF, 0x7FFFFFFF);
+    } else {
+        set_size(static_cast<uint32_t>(dt->width), static_cast<uint32_t>(dt->height));
+    }
+}
+
+void CRLERaster::Sweep() { rasterizer.render<CRLECreate>(*target); }

@@ -1,0 +1,53 @@
+// The raster target of an avoid object's footprint.
+//
+// The target owns no pixels. Its width and height are the canvas size of the attached transform
+// and serve only as the sweep's clip bounds; row(y) returns a row record naming the row and this
+// raster's run sink, so every clipped span of a sweep arrives at AddRLE(row, first, last).
+#pragma once
+
+#include <cstdint>
+
+#include "placement/Transform.h"
+#include "raster/agg.h"
+#include "stdafx.h"
+
+// Receives runs of occupied cells: one row, both ends inclusive, first <= last.
+class KXAC_API CRLECreate {
+public:
+    virtual ~CRLECreate();
+    virtual void AddRLE(int row, int first, int last) = 0;
+};
+
+// Abstract: the derived object supplies AddRLE. Draws with gamma 1.3 and the even-odd rule.
+class KXAC_API CRLERaster : private agg::rendering_buffer, public CRLECreate {
+public:
+    CRLERaster();
+    ~CRLERaster() override;
+    CRLERaster(const CRLERaster&) = delete;
+    CRLERaster& operator=(const CRLERaster&) = delete;
+
+    // The record that the next row() call overwrites; used at once by the sweep.
+    unsigned char* row(unsigned y) override;
+
+    virtual CDT* DT();
+    // Attaches a transform (or null), then calls OnResizeConvas() through the virtual table.
+    virtual void DT(CDT* dt);
+    // The canvas size: the low 32 bits of the transform's width and height, or 0x7FFFFFFF each
+    // without a transform.
+    virtual void OnResizeConvas();
+
+protected:
+    using agg::rendering_buffer::height;
+    using agg::rendering_buffer::width;
+
+    agg::rasterizer& Rasterizer() { return rasterizer; }
+    // Sweeps the rasterizer's current outline into this raster: each clipped span goes to
+    // AddRLE. Nothing happens when the outline holds no cells.
+    void Sweep();
+
+private:
+    agg::run_row<CRLECreate> record{0, nullptr};
+    agg::rasterizer rasterizer;
+    agg::rendering_buffer* target;
+    CDT* dt = nullptr;
+};

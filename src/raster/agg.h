@@ -1,0 +1,326 @@
+// Cell-based polygon scanline rasterizer.
+//
+// A polygon is given as contours of straight edges in subpixel units (256 per cell). The outline
+// cuts every edge at cell boundaries and accumulates, per cell, the signed vertical extent the
+// edges cover there (cover) and where across the cell they pass (area). The sorted cells are then
+// swept once, row by row, into spans of covered cells, which go to a target reached through the
+// virtual operations of rendering_buffer.
+//
+// Supported range: cell coordinates within 16 bits and polygons narrower than 32,767 columns.
+// Inside it every cell, cover, area and run is exact. Outside it the rasterizer stays memory
+// safe, terminates and allocates a bounded amount, but what it produces is not meaningful; each
+// place where this matters says what happens.
+#pragma once
+
+#include <cstdint>
+
+#include "stdafx.h"
+
+namespace agg {
+
+enum : int {
+    subpixel_shift = 8,
+    subpixel_scale = 1 << subpixel_shift,
+    subpixel_mask = subpixel_scale - 1,
+};
+
+enum : int {
+    coverage_shift = subpixel_shift + 1,
+    coverage_full = 256,
+    coverage_mask = 255,
+    even_odd_mask = 511,
+};
+
+// One accumulated cell. x and y are kept truncated to 16 bits; packed (the sort key) is computed
+// from the full-width column and row: y * 65536 + x, wrapping in 32 bits.
+struct cell {
+    int16_t x;
+    int16_t y;
+    int32_t packed;
+    int32_t cover;
+    int32_t area;
+};
+
+// The coverage cells of one polygon. Cells are stored in blocks of 4096 that never move and are
+// kept across reset(), so a reused outline allocates nothing until it needs more cells than
+// before. At most 1024 blocks are ever allocated: once they are all allocated, a flush that needs
+// to begin a block drops the cell, and from then on (even after reset()) every polygon that needs
+// a new block loses its cells.
+class KXAC_API outline {
+public:
+    enum : unsigned {
+        block_shift = 12,
+        block_cells = 1u << block_shift,
+        block_mask = block_cells - 1,
+        block_pool = 256,
+        block_limit = 1024,
+        insertion_threshold = 9,
+    };
+
+    outline();
+    ~outline();
+    outline(const outline&) = delete;
+    outline& operator=(const outline&) = delete;
+
+    void reset();
+    void move_to(int x, int y);
+    void line_to(int x, int y);
+
+    // Closes the open contour, stores the current cell and sorts (once per polygon). Returns the
+    // null-terminated array of cell pointers in (row, column) order, or null with no cells.
+    const cell* const* cells();
+
+    unsigned cell_count() const { return cell_count_; }
+    int min_x() const { return min_x_; }
+    int min_y() const { return min_y_; }
+    // One past the largest column and row touched.
+    int max_x() const { return max_x_; }
+    int max_y() const { return max_y_; }
+
+private:
+    enum : unsigned { contour_open = 1, sort_pending = 2 };
+
+    void render_line(int x1, int y1, int x2, int y2);
+    void render_row(int ey, int x1, int y1, int x2, int y2);
+    void set_cell(int ex, int ey);
+    void flush_cell();
+    void allocate_block();
+    void sort_cells();
+    static void qsort_cells(const cell** start, unsigned num);
+
+    unsigned block_count_ = 0;
+    unsigned block_capacity_ = 0;
+    unsigned next_block_ = 0;
+    unsigned cell_count_ = 0;
+    cell** blocks_ = nullptr;
+    cell* write_ptr_ = nullptr;
+    const cell** sorted_ = nullptr;
+    unsigned sorted_capacity_ = 0;
+    cell current_;
+    int pen_x_ = 0;
+    int pen_y_ = 0;
+    int start_x_ = 0;
+    int start_y_ = 0;
+    int min_x_;
+    int min_y_;
+    int max_x_;
+    int max_y_;
+    unsigned flags_ = sort_pending;
+};
+
+// The spans of one row, as indexes into a coverage array that starts at column origin_x().
+// Slot 0 of the span arrays is never a span: spans are slots 1 to span_count().
+class KXAC_API scanline {
+public:
+    scanline() = default;
+    ~scanline();
+    scanline(const scanline&) = delete;
+    scanline& operator=(const scanline&) = delete;
+
+    // Prepares for cells in columns min_x to max_x, emitted with offsets (dx, dy). The arrays
+    // only grow; a range wider than 65,536 columns (beyond what the scanline supports) is
+    // capped there, and cells falling outside the arrays are then dropped by add_span.
+    void reset(int min_x, int max_x, int dx, int dy);
+
+    // Adds num cells from column x of row y, each with coverage byte cover. Cells that touch the
+    // last span by column extend it (the row is not compared; clear() between rows). Cells whose
+    // index lies outside the arrays are dropped, and a new span with no slot left is dropped
+    // too; a span length wraps in 16 bits. Neither happens in the supported range.
+    void add_span(int x, int y, unsigned num, unsigned cover);
+    void add_cell(int x, int y, unsigned cover) { add_span(x, y, 1, cover); }
+
+    void clear();
+    // The spans held belong to a row before y and must be emitted first.
+    bool ready(int y) const { return span_count_ != 0 && y != last_y_; }
+
+    unsigned span_count() const { return span_count_; }
+    int last_y() const { return last_y_; }
+    int origin_x() const { return origin_x_; }
+    int offset_x() const { return offset_x_; }
+    int offset_y() const { return offset_y_; }
+    unsigned capacity() const { return capacity_; }
+    // Index in covers() of span k (1 to span_count()) and its length.
+    unsigned span_index(unsigned k) const {
+        return static_cast<unsigned>(span_starts_[k] - covers_);
+    }
+    unsigned span_length(unsigned k) const { return span_lengths_[k]; }
+    const unsigned char* covers() const { return covers_; }
+
+private:
+    int origin_x_ = 0;
+    unsigned capacity_ = 0;
+    int offset_x_ = 0;
+    int offset_y_ = 0;
+    int last_x_ = 0x7FFF;
+    int last_y_ = 0x7FFF;
+    unsigned char* covers_ = nullptr;
+    unsigned char** span_starts_ = nullptr;
+    uint16_t* span_lengths_ = nullptr;
+    unsigned span_count_ = 0;
+    unsigned char** cur_start_ = nullptr;
+    uint16_t* cur_length_ = nullptr;
+};
+
+// Rows of bytes over caller-owned memory. The rows array is owned and only grows. No virtual
+// destructor: derived targets are never deleted through this class.
+class KXAC_API rendering_buffer {
+public:
+    rendering_buffer(unsigned char* buf, unsigned width, unsigned height, int stride);
+    ~rendering_buffer();
+    rendering_buffer(const rendering_buffer&) = delete;
+    rendering_buffer& operator=(const rendering_buffer&) = delete;
+
+    // A negative stride lays the rows out bottom-up: row 0 is the last row in memory.
+    void attach(unsigned char* buf, unsigned width, unsigned height, int stride);
+
+    virtual unsigned width() const { return width_; }
+    virtual unsigned height() const { return height_; }
+    virtual int stride() const { return stride_; }
+    // No bounds check on y.
+    virtual unsigned char* row(unsigned y) { return rows_[y]; }
+    virtual const unsigned char* row(unsigned y) const { return rows_[y]; }
+
+    unsigned char* buf() const { return buf_; }
+
+protected:
+    // For targets that own no rows: changes the size only (the clip bounds of a sweep); such a
+    // target overrides row().
+    void set_size(unsigned width, unsigned height) {
+        width_ = width;
+        height_ = height;
+    }
+
+private:
+    unsigned char* buf_ = nullptr;
+    unsigned char** rows_ = nullptr;
+    unsigned width_ = 0;
+    unsigned height_ = 0;
+    int stride_ = 0;
+    unsigned max_height_ = 0;
+};
+
+// What row(y) of a run target points to: the row number, then the sink whose
+// AddRLE(row, first, last) receives the row's runs.
+template <class Sink>
+struct run_row {
+    uint32_t row_index;
+    Sink* row_sink;
+};
+
+class KXAC_API rasterizer {
+public:
+    static const unsigned char s_default_gamma[256];
+
+    rasterizer();
+    rasterizer(const rasterizer&) = delete;
+    rasterizer& operator=(const rasterizer&) = delete;
+
+    outline& get_outline() { return outline_; }
+    const outline& get_outline() const { return outline_; }
+    // 1 is even-odd; any other value is non-zero winding.
+    int fill_rule() const { return fill_rule_; }
+    void fill_rule(int rule) { fill_rule_ = rule; }
+
+    // pow(i / 255, g) * 255, truncated toward zero.
+    void gamma(double g);
+    void gamma(const unsigned char* table);
+    const unsigned char* gamma_table() const { return gamma_table_; }
+
+    // Coverage 0..255 of an accumulated value (cover << 9) - area under the fill rule.
+    unsigned calculate_coverage(int value) const;
+
+    // Whether cell (tx, ty) is covered. Right of a covered run, the cell that ends the run's row
+    // segment (the next stored cell's column) also answers true.
+    bool hit_test(int tx, int ty);
+
+    // Sweeps the outline into target: every covered span, clipped to columns 0 .. width() - 1
+    // and dropped unless its row lies in 0 .. height() - 1, goes to
+    // run_row<Sink>::row_sink->AddRLE(row, first, last) of the record that target.row(row)
+    // returns. The target is reached only through rendering_buffer's virtual operations.
+    template <class Sink>
+    void render(rendering_buffer& target);
+
+private:
+    // Walks the sorted, non-empty list once; emit(x, y, n, coverage) receives every covered run
+    // (a partly covered cell is a run of 1), in order.
+    template <class Emit>
+    void sweep(const cell* const* list, Emit&& emit);
+    template <class Sink>
+    void emit_scanline(rendering_buffer& target);
+
+    outline outline_;
+    scanline scanline_;
+    int fill_rule_ = 0;
+    unsigned char gamma_table_[256];
+};
+
+template <class Emit>
+void rasterizer::sweep(const cell* const* list, Emit&& emit) {
+    // Running sums wrap in 32 bits; closed polygons bring cover back to 0 at the end of a row.
+    uint32_t cover = 0;
+    const cell* c = *list;
+    for (;;) {
+        const int32_t key = c->packed;
+        int x = c->x;
+        const int y = c->y;
+        uint32_t area = static_cast<uint32_t>(c->area);
+        cover += static_cast<uint32_t>(c->cover);
+        while ((c = *++list) != nullptr && c->packed == key) {
+            area += static_cast<uint32_t>(c->area);
+            cover += static_cast<uint32_t>(c->cover);
+        }
+        if (area != 0) {
+            const unsigned a =
+                calculate_coverage(static_cast<int32_t>((cover << coverage_shift) - area));
+            if (a != 0) emit(x, y, 1u, a);
+            ++x;
+        }
+        if (c == nullptr) break;
+        if (c->x > x) {
+            const unsigned a = calculate_coverage(static_cast<int32_t>(cover << coverage_shift));
+            if (a != 0) emit(x, y, static_cast<unsigned>(c->x - x), a);
+        }
+    }
+}
+
+template <class Sink>
+void rasterizer::render(rendering_buffer& target) {
+    const cell* const* list = outline_.cells();
+    if (list == nullptr || outline_.cell_count() == 0) return;
+    scanline_.reset(outline_.min_x(), outline_.max_x(), 0, 0);
+    sweep(list, [&](int x, int y, unsigned n, unsigned a) {
+        if (scanline_.ready(y)) {
+            emit_scanline<Sink>(target);
+            scanline_.clear();
+        }
+        scanline_.add_span(x, y, n, gamma_table_[a]);
+    });
+    if (scanline_.span_count() != 0) emit_scanline<Sink>(target);
+}
+
+template <class Sink>
+void rasterizer::emit_scanline(rendering_buffer& target) {
+    // 64-bit sums: offsets and indexes may be anything outside the supported range.
+    const int64_t r = static_cast<int64_t>(scanline_.last_y()) + scanline_.offset_y();
+    if (r < 0 || r >= static_cast<int64_t>(target.height())) return;
+    const auto* rec = reinterpret_cast<const run_row<Sink>*>(target.row(static_cast<unsigned>(r)));
+    const int64_t base = static_cast<int64_t>(scanline_.origin_x()) + scanline_.offset_x();
+    for (unsigned k = 1; k <= scanline_.span_count(); ++k) {
+        int64_t x = base + scanline_.span_index(k);
+        int64_t n = scanline_.span_length(k);
+        if (x < 0) {
+            n += x;
+            if (n < 1) continue;
+            x = 0;
+        }
+        const int64_t w = target.width();
+        if (x + n > w + 1) {
+            n = w - x;
+            if (n < 1) continue;
+        }
+        rec->row_sink->AddRLE(static_cast<int>(rec->row_index), static_cast<int>(x),
+                              static_cast<int>(x + n - 1));
+    }
+}
+
+}  // namespace agg

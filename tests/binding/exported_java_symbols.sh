@@ -1,0 +1,57 @@
+#!/bin/sh
+# Checks the Java natives a shared library exports.
+#   exported_java_symbols.sh LIBRARY JAVA_SOURCE   the library exports exactly the 23 natives, and
+#                                                  the Java class declares exactly those methods
+#   exported_java_symbols.sh LIBRARY --none        the library exports no Java native at all
+set -eu
+
+lib=$1
+source=$2
+prefix=Java_com_tavrint_core_util_index_grid_CAvoidContainerWrap_
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+nm -D --defined-only "$lib" | awk '{ print $NF }' | grep '^Java_' | sort > "$work/exported" || true
+
+if [ "$source" = "--none" ]; then
+    if [ -s "$work/exported" ]; then
+        echo "library built without the binding exports Java natives:" >&2
+        cat "$work/exported" >&2
+        exit 1
+    fi
+    echo "no Java natives exported"
+    exit 0
+fi
+
+# Java method names; an underscore in a name is written _1 in the exported symbol.
+for method in CreateAvoidContainer DestroyAvoidContainer AvoidContainerExtent \
+    ResetAvoidContainer CreateAvoidObject DestroyAvoidObject RecycleAvoidObject AddAvoidObject \
+    AddAvoidObjectForce AllPlacedObject AllUnPlacedObject AvoidObject_Reset \
+    AvoidObject_PlacedState AvoidObject_SetID AvoidObject_GetID AvoidObject_SetStringID \
+    AvoidObject_GetStringID AvoidObject_Offset AvoidObject_ClearOffset AvoidObject_AddBox \
+    AvoidObject_AddLines AvoidObject_AddRing AvoidObject_AddOffset; do
+    echo "$method"
+done | sort > "$work/methods"
+sed 's/_/_1/g; s/^/'"$prefix"'/' "$work/methods" | sort > "$work/expected"
+
+status=0
+if [ "$(wc -l < "$work/expected")" -ne 23 ]; then
+    echo "expected list does not hold 23 names" >&2
+    status=1
+fi
+if ! diff -u "$work/expected" "$work/exported"; then
+    echo "exported Java natives differ from the expected 23 (- missing, + unexpected)" >&2
+    status=1
+fi
+
+# Every 'native' declaration of the Java class, by method name.
+tr '\n' ' ' < "$source" \
+    | grep -oE 'static[[:space:]]+native[[:space:]]+[A-Za-z0-9_]+(\[\])?[[:space:]]+[A-Za-z0-9_]+[[:space:]]*\(' \
+    | sed -E 's/[[:space:]]*\($//; s/.*[[:space:]]//' | sort > "$work/declared"
+if ! diff -u "$work/methods" "$work/declared"; then
+    echo "native methods declared in $source differ from the expected 23" >&2
+    status=1
+fi
+
+[ $status -eq 0 ] && echo "23 Java natives exported and declared"
+exit $status

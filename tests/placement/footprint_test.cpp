@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "placement/AvoidContainer.h"
+#include "test_support.h"
+
+using testing_support::CellSet;
+using testing_support::CellsOf;
+using testing_support::RectCells;
+
+namespace {
+
+struct Canvas {
+    CDT dt;
+    CAvoidObject obj;
+    Canvas(long long w, long long h) {
+        testing_support::SetCanvas(dt, w, h);
+        obj.Reset();
+        obj.DT(&dt);
+    }
+};
+
+CellSet Union(CellSet a, const CellSet& b) {
+    a.insert(b.begin(), b.end());
+    return a;
+}
+
+// Even-odd point in polygon, and the distance from a point to the polygon's edges.
+bool Inside(const std::vector<double>& xy, double px, double py) {
+    bool in = false;
+    for (size_t n = xy.size() / 2, i = 0, j = n - 1; i < n; j = i++) {
+        const double xi = xy[2 * i], yi = xy[2 * i + 1], xj = xy[2 * j], yj = xy[2 * j + 1];
+        if ((yi > py) != (yj > py) && px < (xj - xi) * (py - yi) / (yj - yi) + xi) in = !in;
+    }
+    return in;
+}
+double EdgeDistance(const std::vector<double>& xy, double px, double py) {
+    double best = std::numeric_limits<double>::infinity();
+    for (size_t n = xy.size() / 2, i = 0, j = n - 1; i < n; j = i++) {
+        const double ax = xy[2 * j], ay = xy[2 * j + 1];
+        const double dx = xy[2 * i] - ax, dy = xy[2 * i + 1] - ay;
+        const double t =
+            std::fmax(0.0, std::fmin(1.0, ((px - ax) * dx + (py - ay) * dy) / (dx * dx + dy * dy)));
+        best = std::fmin(best, std::hypot(px - ax - t * dx, py - ay - t * dy));
+    }
+    return best;
+}
+
+}  // namespace
+
+TEST(AddLine, HorizontalSegmentCoversTwoRows) {
+    Canvas c(100, 100);
+    int line[] = {0, 5, 10, 5};
+    c.obj.AddLine(line, 4, 1);
+    EXPECT_EQ(CellsOf(c.obj), RectCells(0, 4, 10, 6));
+    EXPECT_EQ(c.obj.RLEMaxExtent(), Box(0, 4, 9, 5));
+}
+
+TEST(AddLine, SegmentsHaveNoCapsOrJoinsAndEmptyOnesDrawNothing) {
+    Canvas c(100, 100);
+    // A segment of length 0, then an L whose outer corner cell (20, 9) belongs to neither
+    // stroke; a trailing odd value is ignored.
+    int line[] = {10, 10, 10, 10, 20, 10, 20, 20, 99};
+    c.obj.AddLine(line, 9, 1);
+    EXPECT_EQ(CellsOf(c.obj), Union(RectCells(10, 9, 20, 11), RectCells(19, 10, 21, 20)));
+}
+
+TEST(AddLine, SegmentsOffTheCanvasAreSkippedOrClipped) {
+    Canvas c(50, 50);
+    // Two segments wholly left of the canvas, then one running into it.
+    int line[] = {-30, 10, -10, 10, -10, 30, 30, 30};
+    c.obj.AddLine(line, 8, 1);
+    EXPECT_EQ(CellsOf(c.obj), RectCells(0, 29, 30, 31));
+    // Just above the canvas: a stroke that would reach rows 0..1 is skipped by its points.
+    int above[] = {10, -3, 40, -3};
+    Canvas d(50, 50);
+    d.obj.AddLine(above, 4, 5);
+    EXPECT_TRUE(d.obj.Grid().IsEmpty());
+    d.obj.DT(nullptr);  // without a transform nothing is drawn
+    d.obj.AddLine(line, 8, 1);
+    EXPECT_TRUE(d.obj.Grid().IsEmpty());
+}
+
+TEST(AddRing, FilledSquareGivesExactlyItsCells) {
+    Canvas c(100, 100);
+    int ring[] = {10, 20, 30, 20, 30, 25, 10, 25};
+    c.obj.AddRing(ring, 8);
+    EXPECT_EQ(CellsOf(c.obj), RectCells(10, 20, 30, 25));
+}
+
+TEST(AddRing, RunTwiceAroundLeavesTheInsideEmpty) {
+    Canvas c(100, 100);
+    int ring[] = {10, 10, 20, 10, 20, 20, 10, 20, 10, 10, 20, 10, 20, 20, 10, 20};
+    c.obj.AddRing(ring, 16);
+    EXPECT_TRUE(CellsOf(c.obj).empty());
+}
+
+TEST(AddRing, FigureOfEightFillsBothLobes) {
+    Canvas c(100, 100);
+    int ring[] = {10, 10, 20, 10, 20, 20, 30, 20, 30, 30, 20, 30, 20, 20, 10, 20};
+    c.obj.AddRing(ring, 16);
+    EXPECT_EQ(CellsOf(c.obj), Union(RectCells(10, 10, 20, 20), RectCells(20, 20, 30, 30)));
+}
+
+TEST(AddLine, MillionCellCoordinatesGiveTheClippedStroke) {
+    Canvas c(100, 60);
+    int line[] = {-1000000, 30, 3000000, 30, INT_MIN, INT_MIN, INT_MAX, INT_MAX};
+    c.obj.AddLine(line, 4, 3);
+    EXPECT_EQ(CellsOf(c.obj), RectCells(0, 27, 100, 33));
+    c.obj.AddLine(line + 4, 4, 3);
+    c.obj.AddRing(line, 8);
+    for (const auto& cell : CellsOf(c.obj)) {
+        EXPECT_TRUE(cell.first >= 0 && cell.first < 100 && cell.second >= 0 && cell.second < 60);
+    }
+}
+
+TEST(AddRing, HugePolygonsAreClippedToTheSameCells) {
+    const unsigned seed = 777;
+    std::mt19937 rng(seed);
+    std::uniform_real_distribution<double> far(-3e6, 3e6), near(-10.0, 74.0);
+    for (int round = 0; round < 40; ++round) {
+        Canvas c(64, 64);
+        std::vector<int> ring;
+        for (int i = 0; i < 10; ++i)
+            ring.push_back(static_cast<int>(i % 4 < 2 ? far(rng) : near(rng)));
+        c.obj.AddRing(ring.data(), static_cast<int>(ring.size()));
+        const std::vector<double> xy(ring.begin(), ring.end());
+        const CellSet cells = CellsOf(c.obj);
+        for (int y = 0; y < 64; ++y) {
+            for (int x = 0; x < 64; ++x) {
+                if (EdgeDistance(xy, x + 0.5, y + 0.5) < 0.75) continue;
+                ASSERT_EQ(cells.count({x, y}) == 1, Inside(xy, x + 0.5, y + 0.5))
+                    << "cell (" << x << ", " << y << "), seed " << seed << ", round " << round;
+            }
+        }
+    }
+}
+
+TEST(AddLine, NaNAndInfiniteMapCoordinatesActAsTheMostNegativeCell) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    // Canvas 64 x 64 showing map (0, 0)-(64, 64): column = x, row = 64 - y.
+    double map[] = {nan, 10, 30, 10, 30, inf, -inf, 30, 20, 20, 40, 20};
+    int cells[] = {INT_MIN, 54, 30, 54, 30, INT_MIN, INT_MIN, 34, 20, 44, 40, 44};
+    Canvas fromMap(64, 64), fromCells(64, 64);
+    fromMap.obj.AddLine(map, 12, 1);
+    fromCells.obj.AddLine(cells, 12, 1);
+    EXPECT_EQ(CellsOf(fromMap.obj), CellsOf(fromCells.obj));
+    EXPECT_EQ(CellsOf(fromCells.obj).count({30, 5}), 1u);  // up column 30 from row 54
+    Canvas ringMap(64, 64), ringCells(64, 64);
+    ringMap.obj.AddRing(map, 12);
+    ringCells.obj.AddRing(cells, 12);
+    EXPECT_EQ(CellsOf(ringMap.obj), CellsOf(ringCells.obj));
+}

@@ -1,0 +1,47 @@
+#include "placement/Geometry.h"
+
+#include <gtest/gtest.h>
+
+TEST(Box, DefaultIsTheEmptyBox) {
+    const Box b;
+    EXPECT_EQ(b, Box(1, 1, -1, -1));
+    EXPECT_FALSE(b.IsValid());
+    EXPECT_EQ(b.Width(), -1);
+    EXPECT_EQ(b.Height(), -1);
+    const Box cell(5, 5, 5, 5);
+    EXPECT_TRUE(cell.IsValid());
+    EXPECT_EQ(cell.Width(), 1);
+    EXPECT_EQ(cell.Center(), Location(5, 5));
+}
+
+TEST(Box, CenterTruncatesTowardZero) {
+    EXPECT_EQ(Box(-3, -3, 0, 0).Center(), Location(-1, -1));
+    EXPECT_EQ(Box(0, 0, 3, 3).Center(), Location(1, 1));
+}
+
+TEST(Box, SharedEdgeCellOverlaps) {
+    const Box a(0, 0, 9, 9);
+    EXPECT_TRUE(a.IsIntersect(Box(9, 9, 20, 20)));
+    EXPECT_FALSE(a.IsIntersect(Box(10, 0, 20, 9)));
+    EXPECT_FALSE(a.IsIntersect(Box(0, 10, 9, 20)));
+    // Validity plays no part: an inverted box meets what no comparison separates it from.
+    EXPECT_TRUE(a.IsIntersect(Box(8, 8, 2, 2)));
+    EXPECT_TRUE(a.IsDisjoin(Box()));
+}
+
+TEST(Box, IntersectAndUnionDoNotSkipInvalidBoxes) {
+    EXPECT_EQ(Box(0, 0, 9, 9).Intersect(Box(20, 20, 30, 30)), Box(20, 20, 9, 9));
+    Box a;
+    a.Union(Box(10, 10, 20, 20));
+    EXPECT_EQ(a, Box(1, 1, 20, 20));
+    Box b(10, 10, 20, 20);
+    b.Union(Box());
+    EXPECT_EQ(b, Box(1, 1, 20, 20));
+}
+
+TEST(Box, OffsetAndRevOffsetAreInverse) {
+    EXPECT_EQ(Box(1, 2, 3, 4).Offset(10, 20), Box(11, 22, 13, 24));
+    EXPECT_EQ(Box(11, 22, 13, 24).RevOffset(Location(10, 20)), Box(1, 2, 3, 4));
+    EXPECT_EQ(Location(3, 4).RevOffset(Location(1, 1)), Location(2, 3));
+    EXPECT_EQ(Location(3, 4).Offset(2, -5), Location(5, -1));
+}

@@ -1,0 +1,106 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <tuple>
+#include <vector>
+
+#include "placement/RLERaster.h"
+
+namespace {
+
+constexpr int kCell = agg::subpixel_scale;
+using Runs = std::vector<std::tuple<int, int, int>>;
+
+// The part of an avoid object a raster needs: a sink for runs and a count of resizes.
+class RecordingRaster : public CRLERaster {
+public:
+    void AddRLE(int row, int first, int last) override { runs.emplace_back(row, first, last); }
+    void OnResizeConvas() override {
+        ++resizes;
+        CRLERaster::OnResizeConvas();
+    }
+    unsigned Width() const { return width(); }
+    unsigned Height() const { return height(); }
+    agg::rasterizer& Ras() { return Rasterizer(); }
+
+    // Cell rectangle (x0, y0)-(x1, y1), corners on cell boundaries, drawn round turns times.
+    Runs Draw(int x0, int y0, int x1, int y1, int turns = 1) {
+        agg::outline& o = Rasterizer().get_outline();
+        o.reset();
+        o.move_to(x0 * kCell, y0 * kCell);
+        for (int t = 0; t < turns; ++t) {
+            o.line_to(x1 * kCell, y0 * kCell);
+            o.line_to(x1 * kCell, y1 * kCell);
+            o.line_to(x0 * kCell, y1 * kCell);
+            o.line_to(x0 * kCell, y0 * kCell);
+        }
+        runs.clear();
+        Sweep();
+        return runs;
+    }
+
+    Runs runs;
+    int resizes = 0;
+};
+
+TEST(RleRaster, ConstructedWithGammaAndEvenOddAndNoCanvas) {
+    RecordingRaster r;
+    EXPECT_EQ(r.Ras().fill_rule(), 1);
+    EXPECT_EQ(r.Ras().gamma_table()[128], 104);
+    EXPECT_EQ(r.DT(), nullptr);
+    EXPECT_EQ(r.Width(), 0u);
+    EXPECT_EQ(r.Height(), 0u);
+    EXPECT_TRUE(r.Draw(1, 1, 3, 3).empty());  // a zero canvas clips everything
+}
+
+TEST(RleRaster, CanvasFollowsTheTransform) {
+    RecordingRaster r;
+    CDT dt;
+    dt.width = 100;
+    dt.height = 50;
+    r.DT(&dt);
+    EXPECT_EQ(r.resizes, 1);
+    EXPECT_EQ(r.DT(), &dt);
+    EXPECT_EQ(r.Width(), 100u);
+    EXPECT_EQ(r.Height(), 50u);
+    dt.width = (int64_t{1} << 32) + 7;
+    dt.height = -1;
+    CRLERaster& base = r;
+    base.OnResizeConvas();
+    EXPECT_EQ(r.Width(), 7u);
+    EXPECT_EQ(r.Height(), 0xFFFFFFFFu);
+    base.DT(nullptr);
+    EXPECT_EQ(r.resizes, 3);
+    EXPECT_EQ(r.Width(), 0x7FFFFFFFu);
+    EXPECT_EQ(r.Height(), 0x7FFFFFFFu);
+}
+
+TEST(RleRaster, RowRecordNamesTheRowAndTheSink) {
+    RecordingRaster r;
+    const unsigned char* five = r.row(5);
+    const unsigned char* seven = r.row(7);
+    EXPECT_EQ(five, seven);
+    const auto* rec = reinterpret_cast<const agg::run_row<CRLECreate>*>(seven);
+    EXPECT_EQ(rec->row_index, 7u);
+    EXPECT_EQ(rec->row_sink, static_cast<CRLECreate*>(&r));
+}
+
+TEST(RleRaster, SweepSendsClippedRunsToAddRle) {
+    RecordingRaster r;
+    CDT dt;
+    dt.width = 10;
+    dt.height = 4;
+    r.DT(&dt);
+    EXPECT_EQ(r.Draw(-2, 2, 12, 6), (Runs{{2, 0, 9}, {3, 0, 9}}));
+    EXPECT_EQ(r.Draw(3, 1, 5, 2), (Runs{{1, 3, 4}}));
+    EXPECT_TRUE(r.Draw(11, 1, 15, 2).empty());
+}
+
+TEST(RleRaster, RingTwiceRoundLeavesTheSquareEmpty) {
+    RecordingRaster r;
+    r.DT(nullptr);
+    EXPECT_TRUE(r.Draw(2, 2, 5, 5, 2).empty());
+    EXPECT_EQ(r.Draw(2, 2, 4, 3, 3), (Runs{{2, 2, 3}}));
+}
+
+}  // namespace

@@ -1,0 +1,53 @@
+// Helpers shared by the placement tests: a canvas transform and an object's cells as a set.
+#pragma once
+
+#include <set>
+#include <utility>
+
+#include "placement/AvoidContainer.h"
+
+namespace testing_support {
+
+using Cell = std::pair<int, int>;  // (x, y)
+using CellSet = std::set<Cell>;
+
+// A transform for a canvas of w x h cells at the origin showing the map extent
+// (0, 0)-(w, h), one map unit per cell.
+inline void SetCanvas(CDT& dt, long long w, long long h) {
+    dt.originX = 0;
+    dt.originY = 0;
+    dt.width = w;
+    dt.height = h;
+    dt.minX = 0.0;
+    dt.minY = 0.0;
+    dt.maxX = static_cast<double>(w);
+    dt.maxY = static_cast<double>(h);
+    dt.resolution = 1.0;
+}
+
+// Every occupied cell of the object's grid, read run by run.
+inline CellSet CellsOf(const CAvoidObject& obj) {
+    CellSet cells;
+    const CRLEIndexQuery& grid = obj.Grid();
+    if (grid.IsEmpty()) return cells;
+    for (int row = grid.StartRow(); row <= grid.EndRow(); ++row) {
+        const RLERowRuns* runs = grid.RowRuns(row);
+        for (const RLE& run : *runs) {
+            for (int x = run.start; x <= run.end; ++x)
+                cells.insert({x, row});
+        }
+    }
+    return cells;
+}
+
+// The cells of the half-open rectangle [x0, x1) x [y0, y1).
+inline CellSet RectCells(int x0, int y0, int x1, int y1) {
+    CellSet cells;
+    for (int y = y0; y < y1; ++y) {
+        for (int x = x0; x < x1; ++x)
+            cells.insert({x, y});
+    }
+    return cells;
+}
+
+}  // namespace testing_support

@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+#include "placement/Transform.h"
+
+namespace {
+
+TEST(Transform, FitsExtentToTheDeviceProportions) {
+    CDT dt;
+    FitDeviceRect(dt, 0, 0, 100, 50);
+    FitMapExtent(dt, 0, 0, 1000, 1000);
+    EXPECT_DOUBLE_EQ(dt.resolution, 20.0);
+    EXPECT_DOUBLE_EQ(dt.minX, -500.0);
+    EXPECT_DOUBLE_EQ(dt.maxX, 1500.0);
+    EXPECT_DOUBLE_EQ(dt.minY, 0.0);
+    EXPECT_DOUBLE_EQ(dt.maxY, 1000.0);
+}
+
+TEST(Transform, DeviceRectRefitsTheHeldExtent) {
+    CDT dt;
+    FitDeviceRect(dt, 10, 20, 110, 70);
+    FitMapExtent(dt, 0, 0, 1000, 1000);
+    FitDeviceRect(dt, 0, 0, 200, 50);  // held extent -500..1500 x 0..1000
+    EXPECT_EQ(dt.originX, 0);
+    EXPECT_EQ(dt.width, 200);
+    EXPECT_DOUBLE_EQ(dt.resolution, 20.0);
+    EXPECT_DOUBLE_EQ(dt.minX, -1500.0);
+    EXPECT_DOUBLE_EQ(dt.maxX, 2500.0);
+    EXPECT_DOUBLE_EQ(dt.minY, 0.0);
+    EXPECT_DOUBLE_EQ(dt.maxY, 1000.0);
+}
+
+TEST(Transform, ZeroSizeStoresWhatTheDivisionGives) {
+    CDT fresh;
+    FitDeviceRect(fresh, 0, 0, 100, 50);
+    EXPECT_EQ(fresh.resolution, 0.0);
+    EXPECT_EQ(fresh.minX, 0.0);
+    EXPECT_EQ(fresh.maxY, 0.0);
+    CDT empty;
+    FitDeviceRect(empty, 5, 5, 5, 5);
+    EXPECT_TRUE(std::isnan(empty.resolution));
+    FitMapExtent(empty, 0, 0, 10, 10);
+    EXPECT_TRUE(std::isinf(empty.resolution));
+    EXPECT_TRUE(std::isnan(empty.minX));
+}
+
+TEST(Transform, DeviceSizeIsA32BitDifference) {
+    CDT dt;
+    FitDeviceRect(dt, INT32_MIN, 0, INT32_MAX, -7);
+    EXPECT_EQ(dt.originX, INT32_MIN);
+    EXPECT_EQ(dt.width, -1);
+    EXPECT_EQ(dt.height, -7);
+}
+
+TEST(Transform, MapToCellTruncatesTowardZero) {
+    CDT dt;
+    dt.minX = 1000;
+    dt.maxY = 2000;
+    dt.resolution = 2;
+    EXPECT_EQ(MapToCellX(dt, 1003), 1);
+    EXPECT_EQ(MapToCellY(dt, 1995), 2);
+    EXPECT_EQ(MapToCellX(dt, 999), 0);
+    EXPECT_EQ(MapToCellY(dt, 2001), 0);
+    EXPECT_EQ(MapToCellX(dt, 997), -1);
+    dt.originX = 5;
+    EXPECT_EQ(MapToCellX(dt, 1003), 6);
+}
+
+TEST(Transform, TruncToIntGivesMostNegativeOutOfRange) {
+    EXPECT_EQ(kxac::TruncToInt(2147483647.9), INT32_MAX);
+    EXPECT_EQ(kxac::TruncToInt(-2147483648.9), INT32_MIN);
+    EXPECT_EQ(kxac::TruncToInt(-7.9), -7);
+    EXPECT_EQ(kxac::TruncToInt(2147483648.0), INT32_MIN);
+    EXPECT_EQ(kxac::TruncToInt(-1e300), INT32_MIN);
+    EXPECT_EQ(kxac::TruncToInt(NAN), INT32_MIN);
+    CDT zero;  // resolution 0: infinities and NaN
+    EXPECT_EQ(MapToCellX(zero, 5), INT32_MIN);
+    EXPECT_EQ(MapToCellX(zero, 0), INT32_MIN);
+}
+
+TEST(GrowBuffer, GrowsToExactlyTheLargestSize) {
+    CGrowBuffer b;
+    EXPECT_EQ(b.data, nullptr);
+    ASSERT_TRUE(b.SetSize(40));
+    ASSERT_NE(b.data, nullptr);
+    EXPECT_EQ(b.size, 40u);
+    EXPECT_EQ(b.capacity, 40u);
+    std::memset(b.data, 0x5A, 40);
+    unsigned char* const held = b.data;
+    ASSERT_TRUE(b.SetSize(8));
+    EXPECT_EQ(b.data, held);
+    EXPECT_EQ(b.size, 8u);
+    EXPECT_EQ(b.capacity, 40u);
+    ASSERT_TRUE(b.SetSize(100));
+    EXPECT_EQ(b.size, 100u);
+    EXPECT_EQ(b.capacity, 100u);
+    for (int i = 0; i < 40; ++i)
+        ASSERT_EQ(b.data[i], 0x5A) << i;  // kept by realloc
+    ASSERT_TRUE(b.SetSize(0));
+    EXPECT_EQ(b.size, 0u);
+    EXPECT_EQ(b.capacity, 100u);
+}
+
+}  // namespace
