@@ -118,6 +118,8 @@ TEST(RleRow, AddSpanFromGapPastNextRunLosesCells) {
     const Edited e = Apply(kFour, Op::AddSpan, 25, 5);
     EXPECT_TRUE(e.result);
     EXPECT_EQ(e.runs, (Runs{{0, 2}, {10, 12}, {30, 32}}));
+    // r reaches [30, 32], which keeps its bounds.
+    EXPECT_EQ(Apply(kFour, Op::AddSpan, 5, 29).runs, (Runs{{0, 2}, {10, 12}, {30, 32}}));
 }
 
 TEST(RleRow, AddSpanWidensLowRunNeverHighRun) {
