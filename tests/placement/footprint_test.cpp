@@ -86,25 +86,19 @@ TEST(AddLine, SegmentsOffTheCanvasAreSkippedOrClipped) {
     EXPECT_TRUE(d.obj.Grid().IsEmpty());
 }
 
-TEST(AddRing, FilledSquareGivesExactlyItsCells) {
-    Canvas c(100, 100);
+TEST(AddRing, RingsFillByTheEvenOddRule) {
+    Canvas square(100, 100), twice(100, 100), eight(100, 100);
     int ring[] = {10, 20, 30, 20, 30, 25, 10, 25};
-    c.obj.AddRing(ring, 8);
-    EXPECT_EQ(CellsOf(c.obj), RectCells(10, 20, 30, 25));
-}
-
-TEST(AddRing, RunTwiceAroundLeavesTheInsideEmpty) {
-    Canvas c(100, 100);
-    int ring[] = {10, 10, 20, 10, 20, 20, 10, 20, 10, 10, 20, 10, 20, 20, 10, 20};
-    c.obj.AddRing(ring, 16);
-    EXPECT_TRUE(CellsOf(c.obj).empty());
-}
-
-TEST(AddRing, FigureOfEightFillsBothLobes) {
-    Canvas c(100, 100);
-    int ring[] = {10, 10, 20, 10, 20, 20, 30, 20, 30, 30, 20, 30, 20, 20, 10, 20};
-    c.obj.AddRing(ring, 16);
-    EXPECT_EQ(CellsOf(c.obj), Union(RectCells(10, 10, 20, 20), RectCells(20, 20, 30, 30)));
+    square.obj.AddRing(ring, 8);
+    EXPECT_EQ(CellsOf(square.obj), RectCells(10, 20, 30, 25));
+    // Twice around the same square: every inner cell is covered twice and left out.
+    int loops[] = {10, 10, 20, 10, 20, 20, 10, 20, 10, 10, 20, 10, 20, 20, 10, 20};
+    twice.obj.AddRing(loops, 16);
+    EXPECT_TRUE(CellsOf(twice.obj).empty());
+    // A figure of eight: two squares joined at the crossing point (20, 20).
+    int figure[] = {10, 10, 20, 10, 20, 20, 30, 20, 30, 30, 20, 30, 20, 20, 10, 20};
+    eight.obj.AddRing(figure, 16);
+    EXPECT_EQ(CellsOf(eight.obj), Union(RectCells(10, 10, 20, 20), RectCells(20, 20, 30, 30)));
 }
 
 TEST(AddLine, MillionCellCoordinatesGiveTheClippedStroke) {

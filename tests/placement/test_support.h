@@ -1,4 +1,4 @@
-// Helpers shared by the placement tests: a canvas transform and an object's cells as a set.
+// Helpers shared by the placement tests.
 #pragma once
 
 #include <set>
@@ -11,28 +11,20 @@ namespace testing_support {
 using Cell = std::pair<int, int>;  // (x, y)
 using CellSet = std::set<Cell>;
 
-// A transform for a canvas of w x h cells at the origin showing the map extent
-// (0, 0)-(w, h), one map unit per cell.
+// A canvas of w x h cells at the origin showing the map extent (0, 0)-(w, h).
 inline void SetCanvas(CDT& dt, long long w, long long h) {
-    dt.originX = 0;
-    dt.originY = 0;
     dt.width = w;
     dt.height = h;
-    dt.minX = 0.0;
-    dt.minY = 0.0;
     dt.maxX = static_cast<double>(w);
     dt.maxY = static_cast<double>(h);
     dt.resolution = 1.0;
 }
 
-// Every occupied cell of the object's grid, read run by run.
 inline CellSet CellsOf(const CAvoidObject& obj) {
     CellSet cells;
     const CRLEIndexQuery& grid = obj.Grid();
-    if (grid.IsEmpty()) return cells;
-    for (int row = grid.StartRow(); row <= grid.EndRow(); ++row) {
-        const RLERowRuns* runs = grid.RowRuns(row);
-        for (const RLE& run : *runs) {
+    for (int row = grid.StartRow(); !grid.IsEmpty() && row <= grid.EndRow(); ++row) {
+        for (const RLE& run : *grid.RowRuns(row)) {
             for (int x = run.start; x <= run.end; ++x)
                 cells.insert({x, row});
         }
@@ -40,7 +32,7 @@ inline CellSet CellsOf(const CAvoidObject& obj) {
     return cells;
 }
 
-// The cells of the half-open rectangle [x0, x1) x [y0, y1).
+// The cells of [x0, x1) x [y0, y1).
 inline CellSet RectCells(int x0, int y0, int x1, int y1) {
     CellSet cells;
     for (int y = y0; y < y1; ++y) {
