@@ -1,5 +1,6 @@
 # Top-level jobs. Each installs what it needs and the machine lacks, then configures and builds.
 #   make test   every test suite: C++ (plain and sanitized), fuzzing, install check, Java
+#   make demo   labels a map of Europe from data/ through the library, writes out/demo.png
 #   make bench  the benchmark suite, results in out/bench/
 
 JOBS ?= 2
@@ -7,7 +8,7 @@ BUILD := build
 CMAKE_GEN := -G Ninja
 FUZZ_SECONDS ?= 600
 
-.PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean
+.PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo
 
 test: test-native test-asan test-fuzz test-java
 
@@ -54,6 +55,32 @@ test-fuzz: fuzz-build
 
 fuzz: fuzz-build
 	$(FUZZER) -max_total_time=$(FUZZ_SECONDS) $(FUZZ_CORPUS)
+
+# The library of the plain build, the jar around it, and the demo program from the jar. Options
+# go in DEMO_ARGS, e.g. make demo DEMO_ARGS="--window 5,45,16,55 --show-rejected".
+DEMO_ARGS ?=
+MVN_PACKAGE = mvn -B -ntp -q -f java/pom.xml -Dmaven.test.skip=true package
+JAR = $$(ls java/target/kxavoidcontainer-*.jar)
+
+demo: deps-build
+	bash .ci/deps.sh demo
+	cmake -S . -B $(BUILD)/native $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD)/native --target KXAvoidContainer -j $(JOBS)
+	$(MVN_PACKAGE) -Dkxac.native.library=$(abspath $(BUILD)/native/libKXAvoidContainer.so)
+	java -cp "$(JAR)" com.tavrint.demo.Demo $(DEMO_ARGS)
+
+# Google Benchmark suite (its own optimised build tree), then whole passes through JNI; each
+# prints a table and writes JSON to out/bench/.
+bench: deps-build
+	bash .ci/deps.sh bench java
+	cmake -S . -B $(BUILD)/bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DKXAC_BUILD_BENCH=ON \
+		-DKXAC_BUILD_TESTS=OFF
+	cmake --build $(BUILD)/bench --target kxac_bench -j $(JOBS)
+	mkdir -p out/bench
+	$(BUILD)/bench/bench/kxac_bench --benchmark_out=out/bench/native.json \
+		--benchmark_out_format=json
+	$(MVN_PACKAGE) -Dkxac.native.library=$(abspath $(BUILD)/bench/libKXAvoidContainer.so)
+	java -cp "$(JAR)" com.tavrint.demo.PassBenchmark out/bench/java.json
 
 format:
 	bash .ci/deps.sh format

@@ -53,17 +53,18 @@ public final class Demo {
         int[] k = r.objectsByKind();
         int notOffered = scene.labels().size() - k[LabelPass.Kind.LABEL.ordinal()];
         System.out.printf("objects: %d city dots, %d border pieces, %d coast pieces (%s), "
-                        + "%d labels%n",
+                        + "%d reserved boxes, %d labels%n",
                 k[LabelPass.Kind.DOT.ordinal()], k[LabelPass.Kind.BORDER.ordinal()],
                 k[LabelPass.Kind.COAST.ordinal()],
                 o.coastAsObstacle() ? "obstacles" : "drawn only",
-                k[LabelPass.Kind.LABEL.ordinal()]);
+                k[LabelPass.Kind.RESERVED.ordinal()], k[LabelPass.Kind.LABEL.ordinal()]);
         System.out.printf("labels: %d placed, %d rejected%s%n", r.placedLabels(),
                 r.rejectedLabels(),
                 notOffered > 0 ? ", " + notOffered + " without a candidate inside the canvas"
                                : "");
         System.out.printf("time: footprints %.0f ms, placing %.0f ms, reading results %.0f ms "
-                        + "(reading data %.0f ms, measuring text %.0f ms, drawing %.0f ms)%n",
+                        + "(reading data %.0f ms, projecting and measuring text %.0f ms, "
+                        + "drawing %.0f ms)%n",
                 ms(r.footprintNanos()), ms(r.placeNanos()), ms(r.readNanos()), ms(t1 - t0),
                 ms(t2 - t1), ms(t4 - t3));
         System.out.printf("wrote %s (%dx%d)%n", o.out(), o.width(), o.height());

@@ -20,16 +20,7 @@ public final class GeoData {
     public record City(String name, double lon, double lat, long population, String country) {}
 
     /** A polyline as interleaved lon, lat values; a closed ring repeats its first vertex. */
-    public record Polyline(double[] lonLat) {
-        public int vertexCount() {
-            return lonLat.length / 2;
-        }
-
-        public boolean isClosed() {
-            int n = lonLat.length;
-            return n >= 6 && lonLat[0] == lonLat[n - 2] && lonLat[1] == lonLat[n - 1];
-        }
-    }
+    public record Polyline(double[] lonLat) {}
 
     private GeoData() {}
 

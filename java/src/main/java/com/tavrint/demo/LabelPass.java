@@ -10,7 +10,7 @@ import java.util.List;
  *
  * <p>Order of the pass: every city dot first, forced (a small octagon ring each, so that no label
  * covers a city); then the border pieces and, when asked, the coast pieces, forced as stroked
- * lines; then one object per label in order of population, its footprint the ring around its first
+ * lines, and the reserved boxes as rings; then one object per label in order of population, its footprint the ring around its first
  * candidate box and its further candidates as offsets. Dots are objects of their own because an
  * offset moves an object's whole footprint, and every footprint has runs, since an object without
  * runs never collides.
@@ -26,7 +26,7 @@ public final class LabelPass {
     public static final int REJECTED = -1;
 
     /** Kinds of objects, kept in the high half of each object's numeric ID. */
-    enum Kind { DOT, BORDER, COAST, LABEL }
+    enum Kind { DOT, BORDER, COAST, RESERVED, LABEL }
 
     /**
      * The result: per label the index of its chosen candidate, or REJECTED or NOT_OFFERED; object
@@ -60,6 +60,11 @@ public final class LabelPass {
             }
             addPieces(c, Kind.BORDER, scene.borderPieces());
             if (coastAsObstacle) addPieces(c, Kind.COAST, scene.coastPieces());
+            List<int[]> reserved = scene.reservedBoxes();
+            for (int i = 0; i < reserved.size(); i++) {
+                int[] b = reserved.get(i);
+                addForced(c, Kind.RESERVED, i, Footprints.rectangleRing(b[0], b[1], b[2], b[3]), -1);
+            }
             for (int i = 0; i < labels.size(); i++) {
                 Candidates cand = labels.get(i).candidates();
                 if (!cand.isEmpty()) addLabel(c, i, cand);

@@ -27,6 +27,7 @@ public final class MapPainter {
     private static final Color REJECTED = new Color(200, 40, 40, 90);
     static final String ATTRIBUTION =
             "Cities: GeoNames (www.geonames.org), CC BY 4.0 \u00b7 Made with Natural Earth";
+    private static final Font ATTRIBUTION_FONT = new Font(Font.SANS_SERIF, Font.PLAIN, 12);
 
     private MapPainter() {}
 
@@ -125,15 +126,22 @@ public final class MapPainter {
         return layout.getOutline(at);
     }
 
+    /**
+     * Cells of the attribution's panel in the bottom right corner: left, top, right, bottom. The
+     * pass keeps labels off it.
+     */
+    public static int[] attributionBox(int width, int height) {
+        int w = (int) Math.ceil(ATTRIBUTION_FONT.getStringBounds(ATTRIBUTION,
+                LabelStyle.RENDER_CONTEXT).getWidth());
+        return new int[] {width - w - 12, height - 21, width - 1, height - 1};
+    }
+
     private static void paintAttribution(Graphics2D g, Projection p) {
-        Font f = new Font(Font.SANS_SERIF, Font.PLAIN, 12);
-        g.setFont(f);
-        int w = g.getFontMetrics().stringWidth(ATTRIBUTION);
-        int x = p.width() - w - 8;
-        int y = p.height() - 8;
+        int[] box = attributionBox(p.width(), p.height());
         g.setColor(new Color(255, 255, 255, 200));
-        g.fillRect(x - 4, y - 13, w + 8, 18);
+        g.fillRect(box[0], box[1], box[2] - box[0] + 1, box[3] - box[1] + 1);
         g.setColor(new Color(0x505050));
-        g.drawString(ATTRIBUTION, x, y);
+        g.setFont(ATTRIBUTION_FONT);
+        g.drawString(ATTRIBUTION, box[0] + 6, p.height() - 7);
     }
 }

@@ -8,8 +8,9 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * Everything of one map in canvas pixels: the labelled cities with their candidate boxes, and the
- * borders and coastline, both as drawn lines and as the short pieces that become obstacles.
+ * Everything of one map in canvas pixels: the labelled cities with their candidate boxes, the
+ * borders and coastline, both as drawn lines and as the short pieces that become obstacles, and
+ * the reserved boxes (the attribution's panel).
  */
 public final class Scene {
     /** Obstacle pieces are cut to at most this many pixels across, to keep their extents tight. */
@@ -26,6 +27,7 @@ public final class Scene {
     private final List<int[]> coastLines = new ArrayList<>();
     private final List<int[]> borderPieces = new ArrayList<>();
     private final List<int[]> coastPieces = new ArrayList<>();
+    private final List<int[]> reservedBoxes = new ArrayList<>();
 
     private Scene(Projection projection) {
         this.projection = projection;
@@ -57,6 +59,7 @@ public final class Scene {
         }
         addLines(borders, projection, s.borderLines, s.borderPieces);
         addLines(coast, projection, s.coastLines, s.coastPieces);
+        s.reservedBoxes.add(MapPainter.attributionBox(w, h));
         return s;
     }
 
@@ -127,5 +130,10 @@ public final class Scene {
 
     public List<int[]> coastPieces() {
         return coastPieces;
+    }
+
+    /** Rectangles (left, top, right, bottom, inclusive) that labels must leave free. */
+    public List<int[]> reservedBoxes() {
+        return reservedBoxes;
     }
 }

@@ -20,7 +20,7 @@ class LabelPassTest {
     }
 
     private static Scene scene(List<City> cities) {
-        return Scene.build(CANVAS, cities, List.of(), List.of(), cities.size());
+        return Scene.build(CANVAS, cities, List.of(), List.of(), cities.size(), 1);
     }
 
     private static int[] box(Label l, int k) {
@@ -106,6 +106,9 @@ class LabelPassTest {
                     for (Label other : labels) {
                         assertFalse(overlap(mine, dotCore(other)), "label on a dot, " + where);
                     }
+                    for (int[] reserved : s.reservedBoxes()) {
+                        assertFalse(overlap(mine, reserved), "label on a reserved box, " + where);
+                    }
                     for (int j = 0; j < i; j++) {
                         if (r.chosen()[j] >= 0) {
                             assertFalse(overlap(mine, box(labels.get(j), r.chosen()[j])),
@@ -114,7 +117,7 @@ class LabelPassTest {
                     }
                 }
                 // Every candidate tried before the chosen one (all of them when rejected) was
-                // blocked by an earlier label or could be blocked by a dot.
+                // blocked by an earlier label or a reserved box, or could be blocked by a dot.
                 int tried = k >= 0 ? k : (k == LabelPass.REJECTED ? labels.get(i).candidates()
                         .size() : 0);
                 for (int t = 0; t < tried; t++) {
@@ -126,6 +129,9 @@ class LabelPassTest {
                     }
                     for (int j = 0; j < labels.size() && !blocked; j++) {
                         blocked = overlap(cand, dotBounds(labels.get(j)));
+                    }
+                    for (int[] reserved : s.reservedBoxes()) {
+                        blocked = blocked || overlap(cand, reserved);
                     }
                     assertTrue(blocked, "label " + i + " skipped a free candidate " + t + ", "
                             + where);
