@@ -338,12 +338,10 @@ void outline::qsort_cells(const cell** start, unsigned num) {
             // key(i) <= key(base) <= key(j): both scans below stop inside [base + 1, limit - 1].
             for (;;) {
                 const int32_t pivot = key(base);
-                do
-                    ++i;
-                while (key(i) < pivot);
-                do
-                    --j;
-                while (pivot < key(j));
+                while (key(++i) < pivot) {
+                }
+                while (pivot < key(--j)) {
+                }
                 if (i > j) break;
                 std::swap(*i, *j);
             }

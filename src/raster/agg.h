@@ -43,9 +43,9 @@ struct cell {
 
 // The coverage cells of one polygon. Cells are stored in blocks of 4096 that never move and are
 // kept across reset(), so a reused outline allocates nothing until it needs more cells than
-// before. At most 1024 blocks are ever allocated: once they are all allocated, a flush that needs
-// to begin a block drops the cell, and from then on (even after reset()) every polygon that needs
-// a new block loses its cells.
+// before. At most 1024 blocks are ever allocated; a flush that must begin a block when all 1024
+// exist drops its cell. Since every polygon begins a block with its first cell, once an outline
+// has held 4,194,304 cells no later polygon stores any.
 class KXAC_API outline {
 public:
     enum : unsigned {
@@ -64,6 +64,8 @@ public:
 
     void reset();
     void move_to(int x, int y);
+    // An edge 32,768 or more columns wide (beyond the supported range) is first cut into
+    // shorter pieces, which keeps the walk's arithmetic inside 32 bits.
     void line_to(int x, int y);
 
     // Closes the open contour, stores the current cell and sorts (once per polygon). Returns the
@@ -179,8 +181,6 @@ public:
     // No bounds check on y.
     virtual unsigned char* row(unsigned y) { return rows_[y]; }
     virtual const unsigned char* row(unsigned y) const { return rows_[y]; }
-
-    unsigned char* buf() const { return buf_; }
 
 protected:
     // For targets that own no rows: changes the size only (the clip bounds of a sweep); such a
@@ -314,7 +314,7 @@ void rasterizer::emit_scanline(rendering_buffer& target) {
             x = 0;
         }
         const int64_t w = target.width();
-        if (x + n > w + 1) {
+        if (x + n >= w) {
             n = w - x;
             if (n < 1) continue;
         }

@@ -33,7 +33,7 @@ TEST(Transform, DeviceRectRefitsTheHeldExtent) {
     EXPECT_DOUBLE_EQ(dt.maxY, 1000.0);
 }
 
-TEST(Transform, ZeroSizeStoresWhatTheDivisionGives) {
+TEST(Transform, ZeroAndWrappedSizesStoreWhatTheArithmeticGives) {
     CDT fresh;
     FitDeviceRect(fresh, 0, 0, 100, 50);
     EXPECT_EQ(fresh.resolution, 0.0);
@@ -45,10 +45,7 @@ TEST(Transform, ZeroSizeStoresWhatTheDivisionGives) {
     FitMapExtent(empty, 0, 0, 10, 10);
     EXPECT_TRUE(std::isinf(empty.resolution));
     EXPECT_TRUE(std::isnan(empty.minX));
-}
-
-TEST(Transform, DeviceSizeIsA32BitDifference) {
-    CDT dt;
+    CDT dt;  // sizes are 32-bit differences
     FitDeviceRect(dt, INT32_MIN, 0, INT32_MAX, -7);
     EXPECT_EQ(dt.originX, INT32_MIN);
     EXPECT_EQ(dt.width, -1);
@@ -67,9 +64,7 @@ TEST(Transform, MapToCellTruncatesTowardZero) {
     EXPECT_EQ(MapToCellX(dt, 997), -1);
     dt.originX = 5;
     EXPECT_EQ(MapToCellX(dt, 1003), 6);
-}
-
-TEST(Transform, TruncToIntGivesMostNegativeOutOfRange) {
+    // NaN and values outside 32 bits give the most negative int.
     EXPECT_EQ(kxac::TruncToInt(2147483647.9), INT32_MAX);
     EXPECT_EQ(kxac::TruncToInt(-2147483648.9), INT32_MIN);
     EXPECT_EQ(kxac::TruncToInt(-7.9), -7);

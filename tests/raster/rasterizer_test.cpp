@@ -65,6 +65,8 @@ TEST(Rasterizer, CoverageUnderBothFillRules) {
     EXPECT_EQ(ras.calculate_coverage(300 << 9), 212u);
     EXPECT_EQ(ras.calculate_coverage(512 << 9), 0u);
     EXPECT_EQ(ras.calculate_coverage(-(300 << 9)), 212u);
+    ras.fill_rule(2);  // anything but 1 is non-zero
+    EXPECT_EQ(ras.calculate_coverage(512 << 9), 255u);
 }
 
 TEST(Rasterizer, SameWayOverlapIsLeftOutUnderEvenOdd) {
@@ -105,18 +107,14 @@ TEST(Rasterizer, EmitClipsNegativeColumnsAndTheWidth) {
 
 TEST(Rasterizer, RowsOutsideTheTargetAreDropped) {
     agg::rasterizer ras;
+    EXPECT_TRUE(Sweep(ras).empty());
     Rect(ras.get_outline(), 0, -2 * kCell, kCell, 3 * kCell);
     EXPECT_EQ(Sweep(ras, 10, 2), (std::vector<Span>{{0, 0, 0}, {1, 0, 0}}));
 }
 
-TEST(Rasterizer, EmptyOutlineEmitsNothing) {
-    agg::rasterizer ras;
-    EXPECT_TRUE(Sweep(ras).empty());
-    EXPECT_FALSE(ras.hit_test(0, 0));
-}
-
 TEST(Rasterizer, HitTestIncludesTheCellRightOfARun) {
     agg::rasterizer ras;
+    EXPECT_FALSE(ras.hit_test(0, 0));
     Rect(ras.get_outline(), 2 * kCell, kCell, 5 * kCell, 2 * kCell);  // cells 2..4 of row 1
     EXPECT_TRUE(ras.hit_test(3, 1));
     EXPECT_TRUE(ras.hit_test(5, 1));
@@ -124,14 +122,13 @@ TEST(Rasterizer, HitTestIncludesTheCellRightOfARun) {
     EXPECT_FALSE(ras.hit_test(1, 1));
     EXPECT_FALSE(ras.hit_test(3, 0));
     EXPECT_FALSE(ras.hit_test(3, 2));
-}
-
-TEST(Rasterizer, HitTestFindsPartlyCoveredCells) {
-    agg::rasterizer ras;
-    ras.fill_rule(1);
-    Rect(ras.get_outline(), 2 * kCell + 100, kCell, 2 * kCell + 200, 2 * kCell);
-    EXPECT_TRUE(ras.hit_test(2, 1));
-    EXPECT_FALSE(ras.hit_test(3, 1));
+    // Partly covered cells, either way round.
+    for (bool reversed : {false, true}) {
+        const int x0 = 2 * kCell + 100, x1 = 2 * kCell + 200;
+        Rect(ras.get_outline(), reversed ? x1 : x0, kCell, reversed ? x0 : x1, 2 * kCell);
+        EXPECT_TRUE(ras.hit_test(2, 1)) << reversed;
+        EXPECT_FALSE(ras.hit_test(3, 1)) << reversed;
+    }
 }
 
 TEST(Rasterizer, DefaultGammaHoldsItsFixedEntries) {
