@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <initializer_list>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <stdexcept>
@@ -15,9 +18,8 @@
 namespace {
 using Bytes = std::vector<unsigned char>;
 
-// 32-bit big-endian words, each given as a signed or unsigned value.
-Bytes BE(std::initializer_list<long long> words) {
-    Bytes out;
+// 32-bit big-endian words, each given as a signed or unsigned value, after the given prefix.
+Bytes BE(std::initializer_list<long long> words, Bytes out = {}) {
     for (long long w : words) {
         for (int shift = 24; shift >= 0; shift -= 8)
             out.push_back((w >> shift) & 0xFF);
@@ -32,7 +34,7 @@ Bytes Cat(std::initializer_list<Bytes> parts) {
     return out;
 }
 
-const Bytes kSignature = {0x52, 0x4C, 0x45, 0x00};
+const Bytes kHeader = {0x52, 0x4C, 0x45, 0x00, 0, 0, 0, 0};  // signature, no metadata
 // Level 2, start row 10: row 10 = [5, 7], row 11 empty.
 const Bytes kSmallLevel = {0, 0, 0, 0x24, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0x0A, 0, 0,
                            0, 2, 0, 0,    0, 1, 0, 0, 0, 5, 0, 0, 0, 7, 0, 0,    0, 0};
@@ -54,30 +56,25 @@ Bytes SaveIndex(const CRLEIndex& index) {
 
 // Loads from a heap copy of exactly length bytes, so that any read past them is caught.
 template <class Target>
-int LoadExact(Target& target, const Bytes& bytes, size_t length) {
+int LoadExact(Target& target, const Bytes& bytes, size_t length = SIZE_MAX) {
+    length = std::min(length, bytes.size());
     std::unique_ptr<unsigned char[]> copy(new unsigned char[length + 1]);
     std::copy(bytes.begin(), bytes.begin() + static_cast<long>(length), copy.get());
     return target.Load(copy.get(), static_cast<int>(length));
 }
-template <class Target>
-int LoadExact(Target& target, const Bytes& bytes) {
-    return LoadExact(target, bytes, bytes.size());
-}
 
-// Level number, start row and runs of every stored row, in order.
-std::vector<std::vector<int>> Dump(const CRLEIndexQuery& level) {
-    std::vector<std::vector<int>> out = {{level.Level(), level.StartRow()}};
-    for (int i = 0; i < level.RowCount(); ++i) {
-        out.emplace_back();
-        for (const RLE& r : *level.RowRuns(level.StartRow() + i)) {
-            out.back().insert(out.back().end(), {r.start, r.end});
-        }
+// Level number, start row, row count, then each row's run count and runs.
+std::vector<int> Dump(const CRLEIndexQuery& level) {
+    std::vector<int> out = {level.Level(), level.StartRow(), level.RowCount()};
+    for (int row = level.StartRow(); row < level.StartRow() + level.RowCount(); ++row) {
+        out.push_back(static_cast<int>(level.RowRuns(row)->size()));
+        for (const RLE& r : *level.RowRuns(row))
+            out.insert(out.end(), {r.start, r.end});
     }
     return out;
 }
-
-std::vector<std::vector<std::vector<int>>> Dump(const CRLEIndex& index) {
-    std::vector<std::vector<std::vector<int>>> out;
+std::vector<std::vector<int>> Dump(const CRLEIndex& index) {
+    std::vector<std::vector<int>> out;
     for (int i = 0; i < index.LevelCount(); ++i)
         out.push_back(Dump(*index.LevelAt(i)));
     return out;
@@ -92,12 +89,9 @@ void FillRandom(CRLEIndex& index, std::mt19937& gen) {
         grid->Level(small(gen));
         const int base = small(gen) * 1000;
         for (int s = count(gen) * 4; s > 0; --s) {
-            const int row = base + small(gen) / 5;
-            if (s % 5 == 0) {
-                grid->Add(row, wide(gen), wide(gen));
-            } else {
-                grid->Add(row, small(gen), small(gen));
-            }
+            const bool far = s % 5 == 0;
+            grid->Add(base + small(gen) / 5, far ? wide(gen) : small(gen),
+                      far ? wide(gen) : small(gen));
         }
         index.Append(grid);
     }
@@ -108,92 +102,71 @@ void FillRandom(CRLEIndex& index, std::mt19937& gen) {
 }
 
 // A file in the temporary directory, removed with the object.
-class TempFile {
-public:
-    TempFile() : m_path((std::filesystem::temp_directory_path() / "rleidx-XXXXXX").string()) {
-        const int fd = mkstemp(m_path.data());
-        if (fd >= 0) close(fd);
-    }
-    ~TempFile() { std::remove(m_path.c_str()); }
-    const char* Path() const { return m_path.c_str(); }
-    void Write(const Bytes& bytes) const {
-        std::FILE* f = std::fopen(Path(), "wb");
-        std::fwrite(bytes.data(), 1, bytes.size(), f);
-        std::fclose(f);
-    }
+struct TempFile {
+    const std::string path =
+        (std::filesystem::temp_directory_path() / ("rleidx-" + std::to_string(getpid()))).string();
+    ~TempFile() { std::remove(path.c_str()); }
     Bytes Read() const {
-        Bytes bytes(std::filesystem::file_size(m_path));
-        std::FILE* f = std::fopen(Path(), "rb");
-        bytes.resize(std::fread(bytes.data(), 1, bytes.size(), f));
-        std::fclose(f);
-        return bytes;
+        std::ifstream in(path, std::ios::binary);
+        return Bytes(std::istreambuf_iterator<char>(in), {});
     }
-
-private:
-    std::string m_path;
+    void Write(const Bytes& b) const {
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(b.data()), static_cast<std::streamsize>(b.size()));
+    }
 };
 }  // namespace
 
-TEST(RleBlock, IndexHeaderWithMetadataIsElevenBytes) {
+TEST(RleBlock, GoldenIndexAndLevelBytesBothWays) {
     CRLEIndex index;
     const Bytes meta = {0xAB, 0x00, 0x7F};
     index.Metadata(meta.data(), 3);
+    const Bytes header = Cat({BE({3}, {0x52, 0x4C, 0x45, 0x00}), meta});
     EXPECT_EQ(index.BlockLength(), 11);
-    const Bytes expected = Cat({kSignature, BE({3}), meta});
-    EXPECT_EQ(SaveIndex(index), expected);
-    CRLEIndex loaded;
-    EXPECT_EQ(LoadExact(loaded, expected), 11);
-    EXPECT_EQ(loaded.LevelCount(), 0);
+    EXPECT_EQ(SaveIndex(index), header);
     Bytes out(3);
+    EXPECT_EQ(index.Save(out.data(), 10), 0);  // no room for the metadata: nothing written
+    CRLEIndex loaded;
+    EXPECT_EQ(LoadExact(loaded, header), 11);
     EXPECT_EQ(loaded.MetaData(out.data(), 3), 3);
     EXPECT_EQ(out, meta);
-    EXPECT_EQ(index.Save(out.data(), 10), 0);  // no room for the metadata: nothing written
-}
 
-TEST(RleBlock, LevelBlockGoldenBytesBothWays) {
     std::unique_ptr<CRLEIndexCreate> level(SmallLevel());
     EXPECT_EQ(level->BlockLength(), 36);
     Bytes block(36);
     EXPECT_EQ(level->Save(block.data(), 35), 0);
     EXPECT_EQ(level->Save(block.data(), 36), 36);
     EXPECT_EQ(block, kSmallLevel);
-    CRLEIndexCreate loaded;
-    EXPECT_EQ(LoadExact(loaded, kSmallLevel), 36);
-    EXPECT_EQ(Dump(loaded), Dump(*level));
-    CRLEIndexCreate negative;
-    negative.Level(-3);
-    negative.Add(-2, -7, -5);
+    CRLEIndexCreate back;
+    EXPECT_EQ(LoadExact(back, kSmallLevel), 36);
+    EXPECT_EQ(Dump(back), Dump(*level));
+    back.Clear();
+    back.Level(-3);
+    back.Add(-2, -7, -5);
+    EXPECT_EQ(back.Save(block.data(), 32), 32);
     block.resize(32);
-    EXPECT_EQ(negative.Save(block.data(), 32), 32);
     EXPECT_EQ(block, BE({32, 0, -3, -2, 1, 1, -7, -5}));
 }
 
-TEST(RleBlock, LevelsWithoutRowsAreNotWritten) {
-    CRLEIndexCreate level;
-    EXPECT_EQ(level.BlockLength(), 20);
+TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkipped) {
+    CRLEIndexCreate empty;
+    EXPECT_EQ(empty.BlockLength(), 20);
     Bytes block(64, 0xEE);
-    EXPECT_EQ(level.Save(block.data(), 64), 0);
+    EXPECT_EQ(empty.Save(block.data(), 64), 0);
     EXPECT_EQ(block, Bytes(64, 0xEE));
     CRLEIndex index;
     index.Append(new CRLEIndexCreate());
     EXPECT_EQ(index.BlockLength(), 28);
-    const Bytes saved = SaveIndex(index);
-    EXPECT_EQ(saved, Cat({kSignature, BE({0})}));
-    CRLEIndex loaded;
-    EXPECT_EQ(LoadExact(loaded, saved), 8);
-    EXPECT_EQ(loaded.LevelCount(), 0);
-}
-
-TEST(RleBlock, SaveSkipsLevelsThatDoNotFitAndTriesTheNext) {
-    CRLEIndex index;
+    EXPECT_EQ(SaveIndex(index), kHeader);
+    // A level too long for the room left is skipped and the next one tried.
     auto* big = new CRLEIndexCreate();
     big->Add(0, 0, 1);
     big->Add(1, 5, 6);
     index.Append(big);
     index.Append(SmallLevel());
-    Bytes block(8 + 36);
+    block.resize(8 + 36);
     EXPECT_EQ(index.Save(block.data(), 8 + 36), 8 + 36);
-    EXPECT_EQ(block, Cat({kSignature, BE({0}), kSmallLevel}));
+    EXPECT_EQ(block, Cat({kHeader, kSmallLevel}));
 }
 
 TEST(RleBlock, RandomIndexesRoundTripThroughMemoryAndFiles) {
@@ -212,10 +185,10 @@ TEST(RleBlock, RandomIndexesRoundTripThroughMemoryAndFiles) {
         EXPECT_EQ(SaveIndex(loaded), block) << "seed " << seed;
         if (round % 10 != 0) continue;
         TempFile file;
-        EXPECT_FALSE(index.Save(file.Path()));  // never reports success
+        EXPECT_FALSE(index.Save(file.path.c_str()));  // never reports success
         EXPECT_EQ(file.Read(), block) << "seed " << seed;
         CRLEIndex fromFile;
-        EXPECT_TRUE(fromFile.Load(file.Path())) << "seed " << seed;
+        EXPECT_TRUE(fromFile.Load(file.path.c_str())) << "seed " << seed;
         EXPECT_EQ(Dump(fromFile), Dump(index)) << "seed " << seed;
     }
 }
@@ -232,48 +205,69 @@ TEST(RleBlock, TruncatedBlocksKeepWholeLevelsOnly) {
     ASSERT_EQ(block.size(), 10u + 36u + 32u);
     for (size_t length = 0; length <= block.size(); ++length) {
         CRLEIndex loaded;
-        const int consumed = LoadExact(loaded, block, length);
         const int levels = length < 46 ? 0 : length < block.size() ? 1 : 2;
         const int expected = length < 10 ? 0 : levels == 0 ? 10 : levels == 1 ? 46 : 78;
-        EXPECT_EQ(consumed, expected) << "length " << length;
+        EXPECT_EQ(LoadExact(loaded, block, length), expected) << "length " << length;
         EXPECT_EQ(loaded.LevelCount(), levels) << "length " << length;
     }
     for (size_t length = 0; length < kSmallLevel.size(); ++length) {
         CRLEIndexCreate level;
         level.Add(1, 1);
         EXPECT_EQ(LoadExact(level, kSmallLevel, length), 0) << "length " << length;
-        EXPECT_EQ(Dump(level), (std::vector<std::vector<int>>{{0, 1}, {1, 1}}));
+        EXPECT_EQ(Dump(level), (std::vector<int>{0, 1, 1, 1, 1, 1}));
     }
 }
 
-TEST(RleBlock, LevelLengthOfTwentyOrPastTheBytesIsRefused) {
-    CRLEIndexCreate level;
-    EXPECT_EQ(LoadExact(level, BE({20, 0, 1, 0, 0, 0})), 0);
-    EXPECT_EQ(level.Level(), 0);
+TEST(RleBlock, LevelLoadRefusesBadLengthsAndCounts) {
     Bytes longer = kSmallLevel;
     longer[3] = 0x25;
-    EXPECT_EQ(LoadExact(level, longer), 0);
-    CRLEIndex index;
-    EXPECT_EQ(LoadExact(index, Cat({kSignature, BE({0}), longer})), 8);
-    EXPECT_EQ(index.LevelCount(), 0);
-    // Without rows, the level is emptied and the whole length is consumed.
-    EXPECT_EQ(LoadExact(level, Cat({BE({21, 0, 1, 4, 0}), {0}})), 21);
-    EXPECT_TRUE(level.IsEmpty());
-    EXPECT_EQ(level.StartRow(), 4);
-}
-
-TEST(RleBlock, RowEndingPastLengthIsReadThenRefused) {
-    // Two rows: the first ends at byte 24 <= L = 28, the second at 36.
-    const Bytes bad = BE({28, 0, 4, 3, 2, 0, 1, 4, 6});
+    // Level number and rows after the load: a refused length leaves level 9 with its one row.
+    struct Refusal {
+        Bytes bytes;
+        int consumed, level, rows;
+    };
+    const Refusal cases[] = {
+        {BE({20, 0, 1, 0, 0, 0}), 0, 9, 1},                    // length of 20
+        {longer, 0, 9, 1},                                     // length past the bytes
+        {BE({28, 0, 4, 3, 2, 0, 1, 4, 6}), 0, 4, 2},           // row 2 ends past the length
+        {BE({24, 0, 5, 0, 0x7FFFFFFF, 0}), 0, 5, 1},           // rows beyond the bytes
+        {BE({36, 0, 0, 7, 2, 1, 3, 3, 0x10000000}), 0, 0, 1},  // runs beyond the bytes
+        {Cat({BE({21, 0, 1, 4, 0}), {0}}), 21, 1, 0},          // no rows: whole length consumed
+    };
+    for (const Refusal& c : cases) {
+        const int line = static_cast<int>(&c - cases);
+        CRLEIndexCreate level;
+        level.Level(9);
+        level.Add(9, 9);
+        EXPECT_EQ(LoadExact(level, c.bytes), c.consumed) << "case " << line;
+        EXPECT_EQ(level.Level(), c.level) << "case " << line;
+        EXPECT_EQ(level.RowCount(), c.rows) << "case " << line;
+    }
     CRLEIndexCreate level;
-    EXPECT_EQ(LoadExact(level, bad), 0);
-    EXPECT_EQ(level.RowCount(), 2);
+    LoadExact(level, cases[2].bytes);
     EXPECT_TRUE(level.IsExist(4, 5));
+    LoadExact(level, cases[5].bytes);
+    EXPECT_EQ(level.StartRow(), 4);
+    // Within an index a refused level ends the load after the levels before it.
     CRLEIndex index;
-    EXPECT_EQ(LoadExact(index, Cat({kSignature, BE({0}), kSmallLevel, bad})), 44);
+    EXPECT_EQ(LoadExact(index, Cat({kHeader, longer})), 8);
+    EXPECT_EQ(index.LevelCount(), 0);
+    EXPECT_EQ(LoadExact(index, Cat({kHeader, kSmallLevel, cases[2].bytes})), 44);
     EXPECT_EQ(index.LevelCount(), 1);
     EXPECT_EQ(index.MinLevel(), 2);
     EXPECT_EQ(index.MaxLevel(), 2);
+}
+
+TEST(RleBlock, NegativeCountsThrowLengthError) {
+    for (const Bytes& bad : {BE({24, 0, 0, 0, -1, 0}), BE({24, 0, 0, 0, 1, -2})}) {
+        CRLEIndexCreate level;
+        try {
+            LoadExact(level, bad);
+            ADD_FAILURE() << "negative count accepted";
+        } catch (const std::length_error& e) {
+            EXPECT_STREQ(e.what(), "vector::reserve");
+        }
+    }
 }
 
 TEST(RleBlock, WrongSignatureOrImpossibleMetadataKeepsMetadata) {
@@ -288,30 +282,9 @@ TEST(RleBlock, WrongSignatureOrImpossibleMetadataKeepsMetadata) {
     EXPECT_EQ(index.MinLevel(), 999);
     EXPECT_EQ(index.MetaData(nullptr, 0), 2);
     for (long long m : {-1LL, -8LL, -2147483648LL, 3LL, 2147483647LL}) {
-        EXPECT_EQ(LoadExact(index, Cat({kSignature, BE({m, 0})}), 10), 0) << "M " << m;
+        EXPECT_EQ(LoadExact(index, BE({m, 0}, {0x52, 0x4C, 0x45, 0x00}), 10), 0) << "M " << m;
         EXPECT_EQ(index.MetaData(nullptr, 0), 2) << "M " << m;
     }
-}
-
-TEST(RleBlock, CountsBeyondTheBytesAreRefusedWithoutAllocating) {
-    CRLEIndexCreate rows;
-    EXPECT_EQ(LoadExact(rows, BE({24, 0, 0, 0, 0x7FFFFFFF, 0})), 0);
-    EXPECT_EQ(rows.RowCount(), 1);
-    CRLEIndexCreate runs;
-    EXPECT_EQ(LoadExact(runs, BE({36, 0, 0, 7, 2, 1, 3, 3, 0x10000000})), 0);
-    EXPECT_EQ(runs.RowCount(), 1);
-    EXPECT_TRUE(runs.IsExist(7, 3));
-}
-
-TEST(RleBlock, NegativeCountsThrowLengthError) {
-    CRLEIndexCreate level;
-    try {
-        LoadExact(level, BE({24, 0, 0, 0, -1, 0}));
-        ADD_FAILURE() << "negative row count accepted";
-    } catch (const std::length_error& e) {
-        EXPECT_STREQ(e.what(), "vector::reserve");
-    }
-    EXPECT_THROW(LoadExact(level, BE({24, 0, 0, 0, 1, -2})), std::length_error);
 }
 
 TEST(RleBlock, ShortOrMissingFilesGiveFalse) {
@@ -319,10 +292,10 @@ TEST(RleBlock, ShortOrMissingFilesGiveFalse) {
     index.Append(SmallLevel());
     TempFile file;
     file.Write(Bytes(19, 0));
-    EXPECT_FALSE(index.Load(file.Path()));
+    EXPECT_FALSE(index.Load(file.path.c_str()));
     EXPECT_EQ(index.LevelCount(), 1);  // not read at all
-    file.Write(Cat({kSignature, BE({0, 0, 0, 0})}));
-    EXPECT_FALSE(index.Load(file.Path()));
+    file.Write(Cat({kHeader, BE({0, 0, 0})}));
+    EXPECT_FALSE(index.Load(file.path.c_str()));
     EXPECT_EQ(index.LevelCount(), 0);
     const std::string dir = std::filesystem::temp_directory_path().string();
     EXPECT_FALSE(index.Load((dir + "/rleidx-missing").c_str()));

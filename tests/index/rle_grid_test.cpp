@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <random>
 #include <set>
@@ -20,6 +21,7 @@ Runs RowOf(const CRLEIndexQuery& grid, int row) {
     return out;
 }
 
+// Range's answer followed by its four outputs.
 std::vector<int> RangeOf(const CRLEIndexQuery& grid) {
     int r0 = 0, c0 = 0, r1 = 0, c1 = 0;
     const bool stored = grid.Range(r0, c0, r1, c1);
@@ -27,31 +29,21 @@ std::vector<int> RangeOf(const CRLEIndexQuery& grid) {
 }
 }  // namespace
 
-TEST(RleGrid, NewGridIsEmptyWithSentinels) {
+TEST(RleGrid, EmptyGridGrowsBandBothWaysOnlyWhenAsked) {
     CRLEIndexQuery grid;
-    EXPECT_TRUE(grid.IsEmpty());
     EXPECT_EQ(grid.StartCol(), INT_MAX);
     EXPECT_EQ(grid.EndCol(), INT_MIN);
     EXPECT_EQ(grid.EndRow(), -1);
     EXPECT_EQ(grid.Count(), 0);
     EXPECT_EQ(RangeOf(grid), (std::vector<int>{0, 99999, 99999, -99999, -99999}));
-    EXPECT_FALSE(grid.IsExist(0, 0));
     EXPECT_FALSE(grid.Add(1, 1));  // a query grid accepts no cells
-    EXPECT_TRUE(grid.IsEmpty());
-}
-
-TEST(RleGrid, RowGrowsBandInBothDirectionsOnlyWhenAsked) {
-    CRLEIndexQuery grid;
     EXPECT_EQ(grid.Row(10, false), grid.EmptyRow());
     EXPECT_TRUE(grid.IsEmpty());
     grid.Row(5, true);
-    EXPECT_EQ(grid.StartRow(), 5);
-    EXPECT_EQ(grid.RowCount(), 1);
     grid.Row(8, true);
     EXPECT_EQ(grid.RowCount(), 4);
     const auto first = grid.Row(2, true);
     EXPECT_EQ(grid.StartRow(), 2);
-    EXPECT_EQ(grid.RowCount(), 7);
     EXPECT_EQ(grid.EndRow(), 8);
     EXPECT_EQ(grid.Row(2, false), first);
     EXPECT_EQ(grid.Row(9, false), grid.EmptyRow());
@@ -63,11 +55,10 @@ TEST(RleGrid, RowGrowsBandInBothDirectionsOnlyWhenAsked) {
 
 TEST(RleGrid, ExtentsOfSparseGrid) {
     CRLEIndexCreate grid;
-    grid.Add(2, 3, 4);
+    EXPECT_TRUE(grid.Add(2, 3, 4));
     grid.Add(5, 9, 1);
     EXPECT_EQ(grid.StartCol(), 1);
     EXPECT_EQ(grid.EndCol(), 9);
-    EXPECT_EQ(grid.EndRow(), 5);
     EXPECT_EQ(grid.Count(), 11);
     EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 2, 1, 6, 9}));
     CRLEIndexCreate far;
@@ -76,6 +67,10 @@ TEST(RleGrid, ExtentsOfSparseGrid) {
     EXPECT_EQ(RangeOf(far), (std::vector<int>{1, -7, -150000, -2, 200000}));
     far.Add(-2, 0, INT_MAX);
     EXPECT_EQ(far.Count(), static_cast<int>(0x80000000u + 100001u + 1u));  // wraps
+    grid.Add(0, 0, 2);
+    grid.Add(0, 10, 12);
+    EXPECT_TRUE(grid.Add(0, 5, 25));  // the row itself reports false here
+    EXPECT_EQ(grid.StartRow(), 0);
 }
 
 TEST(RleGrid, IsExistAnswersOnlyForOwnLevel) {
@@ -84,24 +79,8 @@ TEST(RleGrid, IsExistAnswersOnlyForOwnLevel) {
     grid.Add(1, 0, 5);
     EXPECT_TRUE(grid.IsExist(1, 2));
     EXPECT_TRUE(grid.IsExist(3, 1, 2));
-    for (int col = -1; col <= 6; ++col)
-        EXPECT_FALSE(grid.IsExist(7, 1, col));
+    EXPECT_FALSE(grid.IsExist(7, 1, 2));
     EXPECT_FALSE(grid.IsExist(0, 2));
-}
-
-TEST(RleGrid, AddGrowsBandAndReportsTrue) {
-    CRLEIndexCreate grid;
-    EXPECT_TRUE(grid.Add(3, 10, 5));
-    EXPECT_EQ(grid.StartRow(), 3);
-    EXPECT_EQ(grid.Count(), 6);
-    EXPECT_EQ(RowOf(grid, 3), (Runs{{5, 10}}));
-    grid.Add(4, 7);
-    grid.Add(4, 9);
-    grid.Add(4, 8);
-    EXPECT_EQ(RowOf(grid, 4), (Runs{{7, 9}}));
-    grid.Add(0, 0, 2);
-    grid.Add(0, 10, 12);
-    EXPECT_TRUE(grid.Add(0, 5, 25));  // the row itself reports false here
 }
 
 TEST(RleGrid, EraseNeverGrowsNorShrinksBand) {
@@ -122,10 +101,8 @@ TEST(RleGrid, OffsetMovesRowsAndColumns) {
     CRLEIndexCreate grid;
     grid.Add(3, 4, 6);
     grid.Add(4, -2);
-    grid.Offset(-2, 0);
-    EXPECT_EQ(grid.StartRow(), 1);
-    EXPECT_EQ(RowOf(grid, 1), (Runs{{4, 6}}));
-    grid.Offset(1, 10);
+    grid.Offset(-1, 10);
+    EXPECT_EQ(grid.StartRow(), 2);
     EXPECT_EQ(RowOf(grid, 2), (Runs{{14, 16}}));
     EXPECT_EQ(RowOf(grid, 3), (Runs{{8, 8}}));
 }
@@ -150,7 +127,6 @@ TEST(RleGrid, RandomCellsMatchSetOfCells) {
     std::bernoulli_distribution add(0.7);
     CRLEIndexCreate grid;
     std::set<std::pair<int, int>> model;
-    int minCol = INT_MAX, maxCol = INT_MIN;
     for (int step = 0; step < 4000; ++step) {
         const std::pair<int, int> c(coord(gen), coord(gen));
         if (add(gen)) {
@@ -161,6 +137,7 @@ TEST(RleGrid, RandomCellsMatchSetOfCells) {
             model.erase(c);
         }
     }
+    int minCol = INT_MAX, maxCol = INT_MIN;
     for (const auto& c : model) {
         minCol = std::min(minCol, c.second);
         maxCol = std::max(maxCol, c.second);

@@ -41,17 +41,10 @@ class ProjectionTest {
     }
 
     @Test
-    void onCanvasIsHalfOpen() {
+    void onCanvasIsHalfOpenPixelsRoundAndFarVerticesClamp() {
         Projection p = new Projection(100, 100, 0, -10, 20, 10);
-        assertTrue(p.isOnCanvas(0, 0));
-        assertFalse(p.isOnCanvas(20, 0));
-        assertFalse(p.isOnCanvas(10, -10));
-        assertTrue(p.isOnCanvas(10, 10));
-    }
-
-    @Test
-    void pixelsAreRoundedAndFarVerticesClamped() {
-        Projection p = new Projection(100, 100, 0, -10, 20, 10);
+        assertTrue(p.isOnCanvas(0, 0) && p.isOnCanvas(10, 10), "half-open window");
+        assertFalse(p.isOnCanvas(20, 0) || p.isOnCanvas(10, -10), "half-open window");
         assertArrayEquals(new int[] {50, 50, 53, 48}, p.toPixels(new double[] {10, 0, 10.6, 0.4}));
         int[] far = new Projection(100, 100, 0, 0, 1e-6, 1e-6).toPixels(new double[] {180, -80});
         assertEquals(1 << 22, far[0]);

@@ -35,6 +35,12 @@ class CAvoidContainerWrapTest {
         return obj;
     }
 
+    private long placeAt(int x, int y, int size) {
+        long obj = square(x, y, size);
+        AddAvoidObject(c, obj);
+        return obj;
+    }
+
     @Test
     void nullHandlesDoNothing() {
         long obj = CreateAvoidObject(c);
@@ -45,10 +51,8 @@ class CAvoidContainerWrapTest {
         DestroyAvoidObject(0);
         RecycleAvoidObject(0, obj);
         RecycleAvoidObject(c, 0);
-        assertFalse(AddAvoidObject(0, obj));
-        assertFalse(AddAvoidObject(c, 0));
-        assertFalse(AddAvoidObjectForce(0, obj));
-        assertFalse(AddAvoidObjectForce(c, 0));
+        assertFalse(AddAvoidObject(0, obj) || AddAvoidObject(c, 0));
+        assertFalse(AddAvoidObjectForce(0, obj) || AddAvoidObjectForce(c, 0));
         assertNull(AllPlacedObject(0));
         assertNull(AllUnPlacedObject(0));
         AvoidObject_Reset(0);
@@ -70,42 +74,22 @@ class CAvoidContainerWrapTest {
     }
 
     @Test
-    void placedStatesFollowAddsAndAddAlwaysReturnsTrue() {
-        long first = square(10, 10, 10);
-        long second = square(15, 15, 10);
+    void placedStatesAndResultListsInPlacementOrder() {
+        assertNull(AllPlacedObject(c));
+        assertNull(AllUnPlacedObject(c));
+        long first = square(10, 10, 10), second = square(15, 15, 10);
         assertEquals(0, AvoidObject_PlacedState(first));
         assertTrue(AddAvoidObjectForce(c, first));
         assertEquals(1, AvoidObject_PlacedState(first));
-        assertTrue(AddAvoidObject(c, second));
+        assertTrue(AddAvoidObject(c, second), "add returns true even when not placed");
         assertEquals(2, AvoidObject_PlacedState(second));
+        long a = placeAt(50, 50, 5), b = placeAt(0, 0, 5);
+        assertArrayEquals(new long[] {first, a, b}, AllPlacedObject(c));
         assertArrayEquals(new long[] {second}, AllUnPlacedObject(c));
     }
 
     @Test
-    void resultListsAreNullWhenEmptyAndKeepPlacementOrder() {
-        assertNull(AllPlacedObject(c));
-        assertNull(AllUnPlacedObject(c));
-        long a = square(0, 0, 5), b = square(50, 50, 5), d = square(20, 0, 5);
-        for (long obj : new long[] {a, b, d}) {
-            assertTrue(AddAvoidObject(c, obj));
-        }
-        assertArrayEquals(new long[] {a, b, d}, AllPlacedObject(c));
-        assertNull(AllUnPlacedObject(c));
-    }
-
-    @Test
-    void offsetReportsXTwice() {
-        AddAvoidObjectForce(c, square(10, 10, 5));
-        long moved = square(10, 10, 5);
-        AvoidObject_AddOffset(moved, 7, 9);
-        assertArrayEquals(new int[] {0, 0}, AvoidObject_Offset(moved));
-        AddAvoidObject(c, moved);
-        assertEquals(1, AvoidObject_PlacedState(moved));
-        assertArrayEquals(new int[] {7, 7}, AvoidObject_Offset(moved));
-    }
-
-    @Test
-    void offsetsAreTriedInOrderAndClearOffsetLeavesOnlyTheOrigin() {
+    void offsetsAreTriedInOrderAndReportXTwice() {
         AddAvoidObjectForce(c, square(10, 10, 10));
         long cleared = square(10, 10, 10);
         AvoidObject_AddOffset(cleared, 30, 0);
@@ -115,9 +99,11 @@ class CAvoidContainerWrapTest {
 
         long tried = square(10, 10, 10);
         AvoidObject_AddOffset(tried, 5, 5); // still overlaps
-        AvoidObject_AddOffset(tried, -10, 0); // touches only at the shared edge: free
+        AvoidObject_AddOffset(tried, -10, 9); // touches only at the shared edge: free
         AvoidObject_AddOffset(tried, 40, 40);
+        assertArrayEquals(new int[] {0, 0}, AvoidObject_Offset(tried));
         AddAvoidObject(c, tried);
+        assertEquals(1, AvoidObject_PlacedState(tried));
         assertArrayEquals(new int[] {-10, -10}, AvoidObject_Offset(tried));
     }
 
@@ -125,8 +111,6 @@ class CAvoidContainerWrapTest {
     void stringIdsRoundTripAndEmptyReadsAsNull() {
         long obj = CreateAvoidObject(c);
         assertNull(AvoidObject_GetStringID(obj));
-        AvoidObject_SetStringID(obj, "ab");
-        assertEquals("ab", AvoidObject_GetStringID(obj));
         String text = "Zürich – 東京 \uD83D\uDDFA \u0000 end";
         AvoidObject_SetStringID(obj, text);
         assertEquals(text, AvoidObject_GetStringID(obj));
@@ -139,16 +123,15 @@ class CAvoidContainerWrapTest {
     }
 
     @Test
-    void idsAndResetOfAnObject() {
+    void resetClearsIdAndFootprintButKeepsStringId() {
         long obj = square(10, 10, 10);
         AvoidObject_SetID(obj, Long.MIN_VALUE + 3);
         AvoidObject_SetStringID(obj, "name");
-        AvoidObject_AddOffset(obj, 1, 1);
         assertEquals(Long.MIN_VALUE + 3, AvoidObject_GetID(obj));
         AvoidObject_Reset(obj);
         assertEquals(0, AvoidObject_GetID(obj));
-        assertEquals("name", AvoidObject_GetStringID(obj), "reset keeps the string ID");
-        // The reset object has no footprint: it overlaps nothing and blocks nothing.
+        assertEquals("name", AvoidObject_GetStringID(obj));
+        // The reset object has no footprint: it overlaps nothing.
         AddAvoidObjectForce(c, square(10, 10, 10));
         AddAvoidObject(c, obj);
         assertEquals(1, AvoidObject_PlacedState(obj));
@@ -159,41 +142,30 @@ class CAvoidContainerWrapTest {
         long placed = square(0, 0, 2);
         AvoidObject_AddBox(placed, 40, 10, 49, 19);
         AddAvoidObjectForce(c, placed);
-        long onBox = square(45, 15, 2); // inside the placed box, not at (15, 45)
-        long mirrored = square(15, 45, 2);
-        AddAvoidObject(c, onBox);
-        AddAvoidObject(c, mirrored);
-        assertEquals(2, AvoidObject_PlacedState(onBox));
-        assertEquals(1, AvoidObject_PlacedState(mirrored));
+        assertEquals(2, AvoidObject_PlacedState(placeAt(45, 15, 2)), "inside the box");
+        assertEquals(1, AvoidObject_PlacedState(placeAt(15, 45, 2)), "box is not transposed");
     }
 
     @Test
-    void shortDeviceRectLeavesTheCanvasAsItWas() {
+    void shortDeviceRectLeavesTheCanvasAndNullArraysAreSafe() {
         AvoidContainerExtent(c, new int[] {0, 0, 10}, new double[] {0, 0, 50, 50});
+        AvoidContainerExtent(c, null, null);
         // On a 10 x 10 canvas these squares would be clipped away and could not collide.
         AddAvoidObjectForce(c, square(60, 60, 10));
-        long late = square(65, 65, 10);
-        AddAvoidObject(c, late);
-        assertEquals(2, AvoidObject_PlacedState(late));
+        assertEquals(2, AvoidObject_PlacedState(placeAt(65, 65, 10)));
 
-        AvoidContainerExtent(c, new int[] {0, 0, 10, 10}, null);
-        long clipped = square(60, 60, 10);
-        AddAvoidObject(c, clipped);
-        assertEquals(1, AvoidObject_PlacedState(clipped), "a 10 x 10 canvas drops its cells");
-    }
-
-    @Test
-    void nullAndOddCoordinateArraysAreSafe() {
         long obj = CreateAvoidObject(c);
         AvoidObject_AddLines(obj, null, 3);
         AvoidObject_AddRing(obj, null);
-        AvoidContainerExtent(c, null, null);
         AvoidObject_AddLines(obj, new int[] {20, 20, 40, 20, 99}, 1);
         AddAvoidObject(c, obj);
         long crossing = CreateAvoidObject(c);
         AvoidObject_AddRing(crossing, new int[] {30, 10, 31, 10, 31, 30, 30, 30, 7});
         AddAvoidObject(c, crossing);
-        assertEquals(2, AvoidObject_PlacedState(crossing), "both shapes were drawn");
+        assertEquals(2, AvoidObject_PlacedState(crossing), "both odd-length shapes were drawn");
+
+        AvoidContainerExtent(c, new int[] {0, 0, 10, 10}, null);
+        assertEquals(1, AvoidObject_PlacedState(placeAt(60, 60, 10)), "10 x 10 drops the cells");
     }
 
     @Test
@@ -204,12 +176,19 @@ class CAvoidContainerWrapTest {
         for (long obj : new long[] {p1, p2, u1}) {
             AddAvoidObject(c, obj);
         }
+        RecycleAvoidObject(c, p2);
+        RecycleAvoidObject(c, p2); // no longer listed: ignored
         RecycleAvoidObject(c, spare);
+        long again = placeAt(20, 0, 5);
+        assertEquals(p2, again, "the oldest recycled object is handed out first");
+        assertEquals(1, AvoidObject_PlacedState(again), "recycled p2 stopped blocking");
         ResetAvoidContainer(c);
         assertNull(AllPlacedObject(c));
         assertNull(AllUnPlacedObject(c));
-        long[] reused = {CreateAvoidObject(c), CreateAvoidObject(c), CreateAvoidObject(c),
-            CreateAvoidObject(c)};
+        long[] reused = new long[4];
+        for (int i = 0; i < reused.length; i++) {
+            reused[i] = CreateAvoidObject(c);
+        }
         assertArrayEquals(new long[] {spare, p1, p2, u1}, reused);
         assertEquals(0, AvoidObject_GetID(p1));
         assertEquals(0, AvoidObject_PlacedState(u1));
@@ -218,22 +197,6 @@ class CAvoidContainerWrapTest {
             assertNotEquals(obj, fresh, "an empty pool makes a new object");
             RecycleAvoidObject(c, obj);
         }
-        DestroyAvoidObject(fresh);
-    }
-
-    @Test
-    void recycledPlacedObjectStopsBlocking() {
-        long blocker = square(10, 10, 10);
-        AddAvoidObject(c, blocker);
-        RecycleAvoidObject(c, blocker);
-        RecycleAvoidObject(c, blocker); // no longer listed: ignored
-        assertNull(AllPlacedObject(c));
-        long next = square(10, 10, 10);
-        assertEquals(blocker, next, "the pool hands the recycled object out again");
-        AddAvoidObject(c, next);
-        assertEquals(1, AvoidObject_PlacedState(next));
-        long fresh = CreateAvoidObject(c);
-        assertNotEquals(blocker, fresh, "pooled once only");
         DestroyAvoidObject(fresh);
     }
 }
