@@ -8,6 +8,7 @@ CAvoidContainer::CAvoidContainer() = default;
 CAvoidContainer::~CAvoidContainer() { CAvoidContainer::Destroy(); }
 
 void CAvoidContainer::Reset() {
+    if (!m_placed.empty()) ++m_placedRemovals;
     for (std::list<CAvoidObject*>* list : {&m_placed, &m_unplaced}) {
         while (!list->empty()) {
             m_pool.push(list->front());
@@ -47,6 +48,7 @@ void CAvoidContainer::Recycle(CAvoidObject* obj) {
     }
     const auto it = std::find(list->begin(), list->end(), obj);
     if (it == list->end()) return;
+    if (list == &m_placed) ++m_placedRemovals;
     list->erase(it);
     m_pool.push(obj);
 }
@@ -61,28 +63,45 @@ void CAvoidContainer::Destroy() {
 
 bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
     if (obj == nullptr) return true;
+    SyncIndex();
     if (force) {
-        obj->PlacedState(CAvoidObject::kPlaced);
-        m_placed.push_back(obj);
+        Place(obj);
         return true;
     }
     obj->PlacedState(CAvoidObject::kNotPlaced);
     std::vector<Location>& offsets = obj->OffsetCollection();
-    std::vector<CAvoidObject*> candidates;
+    // Placing needs only to know whether some placed object collides: the index finds the few
+    // that could, in any order.
     for (auto it = offsets.begin(); it != offsets.end(); ++it) {
         obj->OffsetIterator(it);
-        candidates.clear();
-        IntersectBox(obj, candidates);
-        if (candidates.empty()) {
-            m_placed.push_back(obj);
-            obj->PlacedState(CAvoidObject::kPlaced);
+        if (!m_index.Collides(obj)) {
+            Place(obj);
             return true;
         }
-        if (TakePalce(obj, candidates)) return true;
     }
     obj->OffsetIterator(offsets.begin());
     m_unplaced.push_back(obj);
     return true;
+}
+
+void CPriorityAvoidContainer::Reset() {
+    CAvoidContainer::Reset();
+    m_index.Clear();
+    m_indexedRemovals = m_placedRemovals;
+}
+
+void CPriorityAvoidContainer::Place(CAvoidObject* obj) {
+    obj->PlacedState(CAvoidObject::kPlaced);
+    m_placed.push_back(obj);
+    m_index.Insert(obj);
+}
+
+void CPriorityAvoidContainer::SyncIndex() {
+    if (m_indexedRemovals == m_placedRemovals && m_index.Inserted() == m_placed.size()) return;
+    m_index.Clear();
+    for (CAvoidObject* placed : m_placed)
+        m_index.Insert(placed);
+    m_indexedRemovals = m_placedRemovals;
 }
 
 void CPriorityAvoidContainer::IntersectBox(CAvoidObject* obj,

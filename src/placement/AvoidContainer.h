@@ -7,9 +7,9 @@
 // CPriorityAvoidContainer places greedily in the order of adding: each object goes to the first
 // of its offsets at which it meets no object placed before it, or is rejected.
 //
-// Cost of the placement: every attempt filters all placed objects by their coarse extents and
-// runs the footprint test, cell by cell over the overlap of the two run extents, on those that
-// pass. An attempt is linear in the number of objects placed so far.
+// Cost of the placement: the container keeps its placed objects in a bucket grid keyed by their
+// footprint bounds, so an attempt meets only the placed objects near it; those then pass the
+// coarse extent test and the footprint test, which merges the runs of the rows both grids share.
 #pragma once
 
 #include <deque>
@@ -20,6 +20,7 @@
 
 #include "index/RLEIndex.h"
 #include "placement/Geometry.h"
+#include "placement/PlacedIndex.h"
 #include "placement/RLERaster.h"
 #include "placement/Transform.h"
 #include "stdafx.h"
@@ -110,7 +111,8 @@ public:
 
     // Footprint overlap at both current offsets. One-sided: this object's boxes are tested
     // against o's boxes and o's runs, o's boxes never against this object's runs. False when
-    // either object is not valid, or o is null.
+    // either object is not valid, or o is null. Runs against runs give the answer of
+    // IsIntersectRLE(o, o->RLEMaxExtent(), o->Offset()), found by merging rows.
     bool IsIntersect(CAvoidObject* o) const;
     // b in canvas cells against this object's boxes and runs.
     bool IsIntersect(Box& b) const;
@@ -140,6 +142,10 @@ private:
     void DrawSegment(int x0, int y0, int x1, int y1, int width);
     // Whether the closed rectangle of the canvas misses the bounding box.
     bool OutsideCanvas(double minX, double minY, double maxX, double maxY);
+    // The runs-against-runs part of IsIntersect(o).
+    bool RunsMeet(CAvoidObject* o) const;
+    // Whether the run ends of every row are non-decreasing; cached until the grid changes.
+    bool RowsRegular() const;
 
     std::vector<Box> m_boxes;
     std::vector<Location> m_offsets;
@@ -153,6 +159,8 @@ private:
     // Scratch of the polygon being drawn and of its clipping; reused, only grows.
     std::vector<double> m_polygon;
     std::vector<double> m_clipped;
+    enum class Regularity : unsigned char { kUnknown, kRegular, kIrregular };
+    mutable Regularity m_regularity = Regularity::kUnknown;
 };
 
 // Owner of the objects of one placement pass and keeper of its transform.
@@ -190,22 +198,37 @@ private:
 protected:
     std::list<CAvoidObject*> m_placed;
     std::list<CAvoidObject*> m_unplaced;
+    // Counts the removals from m_placed, so that derived containers can tell when what they
+    // keep about the placed objects is out of date.
+    unsigned long long m_placedRemovals = 0;
 
 private:
     CDT m_dt;
 };
 
 // Greedy placement in the order of adding: an earlier object always wins.
+//
+// A placed object is expected to keep its footprint and its current offset while it is placed:
+// the container files it by where it stood when it was placed.
 class KXAC_API CPriorityAvoidContainer : public CAvoidContainer {
 public:
     // Forced: placed at its current offset without a test. Otherwise each offset is tried in
     // order; the object is placed at the first at which no placed object collides with it, or
     // listed as unplaced with its first offset current. Always true; null is ignored.
     bool Add(CAvoidObject* obj, bool force) override;
+    void Reset() override;
     // Placements are final at once: nothing to do.
     void Calculate() override {}
     // Appends the placed objects whose MaxExtent meets obj's, in placement order.
     void IntersectBox(CAvoidObject* obj, std::vector<CAvoidObject*>& candidates);
     // Places obj unless a candidate, as the receiver, collides with it.
     bool TakePalce(CAvoidObject* obj, std::vector<CAvoidObject*>& candidates);
+
+private:
+    // Refiles the placed objects when the placed list changed behind the index's back.
+    void SyncIndex();
+    void Place(CAvoidObject* obj);
+
+    CPlacedIndex m_index;
+    unsigned long long m_indexedRemovals = 0;
 };

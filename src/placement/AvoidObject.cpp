@@ -1,6 +1,8 @@
 // The avoid object: identity, state, offsets, extents and the footprint collision tests.
 #include <algorithm>
+#include <climits>
 #include <cstdint>
+#include <iterator>
 
 #include "placement/AvoidContainer.h"
 
@@ -54,6 +56,69 @@ bool QuarterSearch(const CRLEIndexQuery& g, const Box& b) {
     return false;
 }
 
+// Offsets and run extents within this bound keep every shifted coordinate of a run test inside
+// 32 bits, so canvas and grid cells correspond without wrapping.
+constexpr int kTameLimit = 1 << 29;
+
+bool Tame(int v) { return v >= -kTameLimit && v <= kTameLimit; }
+bool Tame(const Location& l) { return Tame(l.x) && Tame(l.y); }
+bool Tame(const Box& b) { return Tame(b.left) && Tame(b.top) && Tame(b.right) && Tame(b.bottom); }
+
+// The occupied cells of a row whose run ends are non-decreasing, shifted by a column offset, as
+// ordered disjoint intervals. A cell is occupied when the first run ending at or after it starts
+// at or before it, so run i holds the cells after the end of run i - 1 up to its own end.
+class RowCells {
+public:
+    // Starts at the first interval that can reach column `from`.
+    RowCells(const RLERowRuns& runs, int shift, long long from)
+        : m_end(runs.end()), m_shift(shift) {
+        m_run = std::lower_bound(runs.begin(), runs.end(), from - shift,
+                                 [](const RLE& r, long long c) { return r.end < c; });
+        m_prevEnd = m_run == runs.begin() ? LLONG_MIN / 2 : std::prev(m_run)->end;
+    }
+    // The next non-empty interval [lo, hi] in canvas columns; false at the end of the row.
+    bool Next(long long& lo, long long& hi) {
+        while (m_run != m_end) {
+            const long long first = std::max<long long>(m_run->start, m_prevEnd + 1);
+            const long long last = m_run->end;
+            m_prevEnd = last;
+            ++m_run;
+            if (first <= last) {
+                lo = first + m_shift;
+                hi = last + m_shift;
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    RLERowRuns::const_iterator m_run;
+    RLERowRuns::const_iterator m_end;
+    long long m_prevEnd;
+    long long m_shift;
+};
+
+// Whether the two rows share an occupied canvas column in [left, right].
+bool RowsMeet(const RLERowRuns& a, int shiftA, const RLERowRuns& b, int shiftB, long long left,
+              long long right) {
+    RowCells cellsA(a, shiftA, left);
+    RowCells cellsB(b, shiftB, left);
+    long long loA = 0, hiA = 0, loB = 0, hiB = 0;
+    bool moreA = cellsA.Next(loA, hiA);
+    bool moreB = cellsB.Next(loB, hiB);
+    while (moreA && moreB) {
+        if (loA > right || loB > right) return false;
+        if (std::max({loA, loB, left}) <= std::min({hiA, hiB, right})) return true;
+        if (hiA < hiB) {
+            moreA = cellsA.Next(loA, hiA);
+        } else {
+            moreB = cellsB.Next(loB, hiB);
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 CAvoidObject::CAvoidObject() = default;
@@ -70,6 +135,7 @@ void CAvoidObject::Reset() {
     m_runExtent = Box();
     m_id = 0;
     m_state = kNotAdded;
+    m_regularity = Regularity::kUnknown;
 }
 
 std::vector<Location>::iterator CAvoidObject::OffsetIterator() {
@@ -98,7 +164,10 @@ void CAvoidObject::AddBox(const Envelope& envelope) {
                MapToCellX(*dt, envelope.x2), MapToCellY(*dt, envelope.y2)));
 }
 
-void CAvoidObject::AddRLE(int row, int first, int last) { Add(row, first, last); }
+void CAvoidObject::AddRLE(int row, int first, int last) {
+    Add(row, first, last);
+    m_regularity = Regularity::kUnknown;
+}
 
 void CAvoidObject::RecordMaxRLE() { m_runExtent = Box(StartCol(), StartRow(), EndCol(), EndRow()); }
 
@@ -131,7 +200,44 @@ bool CAvoidObject::IsIntersect(CAvoidObject* o) const {
             if (o->IsIntersectRLE(a.Offset(here))) return true;
         }
     }
-    return IsIntersectRLE(o, o->RLEMaxExtent(), o->Offset());
+    return RunsMeet(o);
+}
+
+bool CAvoidObject::RowsRegular() const {
+    if (m_regularity == Regularity::kUnknown) {
+        m_regularity = Regularity::kRegular;
+        for (int row = StartRow(); !IsEmpty() && row <= EndRow(); ++row) {
+            const RLERowRuns& runs = *RowRuns(row);
+            const auto descent = std::adjacent_find(
+                runs.begin(), runs.end(), [](const RLE& a, const RLE& b) { return b.end < a.end; });
+            if (descent != runs.end()) {
+                m_regularity = Regularity::kIrregular;
+                break;
+            }
+        }
+    }
+    return m_regularity == Regularity::kRegular;
+}
+
+bool CAvoidObject::RunsMeet(CAvoidObject* o) const {
+    const Location here = Offset();
+    const Location there = o->Offset();
+    // Far coordinates wrap and irregular rows answer by bisection: the cell scan covers both.
+    if (!Tame(here) || !Tame(there) || !Tame(m_runExtent) || !Tame(o->m_runExtent) ||
+        !RowsRegular() || !o->RowsRegular()) {
+        return IsIntersectRLE(o, o->RLEMaxExtent(), there);
+    }
+    const Box r = RLEMaxExtent();
+    const Box e = o->RLEMaxExtent();
+    if (r.IsDisjoin(e)) return false;
+    const Box area = r.Intersect(e);
+    for (int y = area.top; y <= area.bottom; ++y) {
+        const RLERowRuns* a = RowRuns(y - here.y);
+        const RLERowRuns* b = o->RowRuns(y - there.y);
+        if (a == nullptr || b == nullptr) continue;
+        if (RowsMeet(*a, here.x, *b, there.x, area.left, area.right)) return true;
+    }
+    return false;
 }
 
 bool CAvoidObject::IsIntersect(Box& b) const {

@@ -6,6 +6,8 @@
 // polygons narrower than 32,767 columns; a polygon outside that range is clipped beforehand to a
 // window slightly larger than the raster (Sutherland-Hodgman against each side in turn, which
 // keeps the winding of every point inside the window, so the filling rule gives the same cells).
+// The rasterizer draws through the scratch memory of the attached transform, which all objects
+// of a container share: an object holds only its runs, however many objects a pool keeps.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>

@@ -1,9 +1,29 @@
 #include "placement/RLERaster.h"
 
+#include <cstring>
+
+namespace {
+
+// The table of gamma 1.3, computed once: every object's rasterizer starts from it.
+const unsigned char* Gamma13() {
+    struct Table {
+        unsigned char values[256];
+        Table() {
+            agg::rasterizer r;
+            r.gamma(1.3);
+            std::memcpy(values, r.gamma_table(), sizeof values);
+        }
+    };
+    static const Table table;
+    return table.values;
+}
+
+}  // namespace
+
 CRLECreate::~CRLECreate() = default;
 
 CRLERaster::CRLERaster() : agg::rendering_buffer(nullptr, 0, 0, 0), target(this) {
-    rasterizer.gamma(1.3);
+    rasterizer.gamma(Gamma13());
     rasterizer.fill_rule(1);
 }
 
@@ -19,6 +39,7 @@ CDT* CRLERaster::DT() { return dt; }
 
 void CRLERaster::DT(CDT* p) {
     dt = p;
+    rasterizer.share(p != nullptr ? &p->raster : nullptr);
     OnResizeConvas();
 }
 

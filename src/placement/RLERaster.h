@@ -30,7 +30,8 @@ public:
     unsigned char* row(unsigned y) override;
 
     virtual CDT* DT();
-    // Attaches a transform (or null), then calls OnResizeConvas() through the virtual table.
+    // Attaches a transform (or null), then calls OnResizeConvas() through the virtual table. The
+    // rasterizer draws through the transform's scratch memory while one is attached.
     virtual void DT(CDT* dt);
     // The canvas size: the low 32 bits of the transform's width and height, or 0x7FFFFFFF each
     // without a transform.

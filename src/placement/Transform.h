@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "raster/agg.h"
 #include "stdafx.h"
 
 namespace kxac {
@@ -35,7 +36,8 @@ public:
     bool SetSize(uint32_t n);
 };
 
-// Held by value in a container and shared by the objects it hands out.
+// Held by value in a container and shared by the objects it hands out, which also draw through
+// its rasterizer scratch, one polygon at a time.
 struct KXAC_API CDT {
     long long originX = 0;
     long long originY = 0;
@@ -47,6 +49,7 @@ struct KXAC_API CDT {
     double maxY = 0.0;
     double resolution = 0.0;
     CGrowBuffer scratch;
+    agg::raster_scratch raster;
 };
 
 // Sets the device rectangle (differences taken in 32 bits) and refits the map extent held to it.

@@ -51,9 +51,6 @@ constexpr uint32_t max_scanline_cells = 65536 + 2;
 
 }  // namespace
 
-//------------------------------------------------------------------------------------------------
-// outline
-
 outline::outline()
     : current_{0x7FFF, 0x7FFF, 0x7FFF7FFF, 0, 0},
       min_x_(0x7FFFFFFF),
@@ -61,11 +58,53 @@ outline::outline()
       max_x_(-0x7FFFFFFF),
       max_y_(-0x7FFFFFFF) {}
 
-outline::~outline() {
-    delete[] sorted_;
-    while (block_count_ != 0)
-        delete[] blocks_[--block_count_];
+//------------------------------------------------------------------------------------------------
+// cell_storage
+
+cell_storage::~cell_storage() {
+    release();
     delete[] blocks_;
+}
+
+cell* cell_storage::block(unsigned i) {
+    if (i < held_) return blocks_[i];
+    if (held_ >= capacity_) {
+        cell** grown = new cell*[capacity_ + block_pool];
+        if (blocks_ != nullptr) std::memcpy(grown, blocks_, capacity_ * sizeof(cell*));
+        delete[] blocks_;
+        blocks_ = grown;
+        capacity_ += block_pool;
+    }
+    blocks_[held_] = new cell[outline::block_cells];
+    return blocks_[held_++];
+}
+
+const cell** cell_storage::sorted(unsigned n) {
+    if (n > sorted_capacity_) {
+        delete[] sorted_;
+        sorted_ = nullptr;
+        sorted_ = new const cell*[n];
+        sorted_capacity_ = n;
+    }
+    return sorted_;
+}
+
+void cell_storage::release() {
+    delete[] sorted_;
+    sorted_ = nullptr;
+    sorted_capacity_ = 0;
+    while (held_ != 0)
+        delete[] blocks_[--held_];
+}
+
+//------------------------------------------------------------------------------------------------
+// outline
+
+outline::~outline() = default;
+
+void outline::release() {
+    reset();
+    own_.release();
 }
 
 void outline::reset() {
@@ -130,17 +169,8 @@ void outline::flush_cell() {
 
 // The one place that allocates cell storage.
 void outline::allocate_block() {
-    if (next_block_ >= block_count_) {
-        if (block_count_ >= block_capacity_) {
-            cell** grown = new cell*[block_capacity_ + block_pool];
-            if (blocks_ != nullptr) std::memcpy(grown, blocks_, block_capacity_ * sizeof(cell*));
-            delete[] blocks_;
-            blocks_ = grown;
-            block_capacity_ += block_pool;
-        }
-        blocks_[block_count_++] = new cell[block_cells];
-    }
-    write_ptr_ = blocks_[next_block_++];
+    if (next_block_ >= block_count_) ++block_count_;
+    write_ptr_ = storage_->block(next_block_++);
 }
 
 void outline::render_line(int x1, int y1, int x2, int y2) {
@@ -297,22 +327,17 @@ void outline::render_row(int ey, int x1, int y1, int x2, int y2) {
 
 void outline::sort_cells() {
     if (cell_count_ == 0) return;
-    if (cell_count_ > sorted_capacity_) {
-        delete[] sorted_;
-        sorted_ = nullptr;
-        sorted_ = new const cell*[cell_count_ + 1];
-        sorted_capacity_ = cell_count_;
-    }
+    sorted_ = storage_->sorted(cell_count_ + 1);
     const cell** out = sorted_;
     const unsigned full_blocks = cell_count_ >> block_shift;
     for (unsigned b = 0; b < full_blocks; ++b) {
-        const cell* block = blocks_[b];
+        const cell* block = storage_->held(b);
         for (unsigned i = 0; i < block_cells; ++i)
             *out++ = block + i;
     }
     const unsigned rest = cell_count_ & block_mask;
     for (unsigned i = 0; i < rest; ++i)
-        *out++ = blocks_[full_blocks] + i;
+        *out++ = storage_->held(full_blocks) + i;
     *out = nullptr;
     qsort_cells(sorted_, cell_count_);
 }
@@ -373,10 +398,17 @@ void outline::qsort_cells(const cell** start, unsigned num) {
 //------------------------------------------------------------------------------------------------
 // scanline
 
-scanline::~scanline() {
+scanline::~scanline() { release(); }
+
+void scanline::release() {
     delete[] span_lengths_;
     delete[] span_starts_;
     delete[] covers_;
+    span_lengths_ = nullptr;
+    span_starts_ = nullptr;
+    covers_ = nullptr;
+    capacity_ = 0;
+    clear();
 }
 
 void scanline::reset(int min_x, int max_x, int dx, int dy) {
@@ -480,6 +512,13 @@ const unsigned char rasterizer::s_default_gamma[256] = {
     241, 242, 244, 246, 248, 249, 251, 253, 255};
 
 rasterizer::rasterizer() { gamma(s_default_gamma); }
+
+void rasterizer::share(raster_scratch* scratch) {
+    outline_.release();
+    own_scanline_.release();
+    outline_.share(scratch != nullptr ? &scratch->cells : nullptr);
+    scanline_ = scratch != nullptr ? &scratch->line : &own_scanline_;
+}
 
 void rasterizer::gamma(double g) {
     for (int i = 0; i < 256; ++i) {

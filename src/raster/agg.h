@@ -41,18 +41,52 @@ struct cell {
     int32_t area;
 };
 
+// Memory for the cells of one polygon at a time: blocks of 4096 cells that never move, and the
+// sorted array of cell pointers. Outlines draw through a storage of their own, or share one in
+// turn: a shared storage holds the cells of the polygon drawn last.
+class KXAC_API cell_storage {
+public:
+    cell_storage() = default;
+    ~cell_storage();
+    cell_storage(const cell_storage&) = delete;
+    cell_storage& operator=(const cell_storage&) = delete;
+
+    // Block i, allocated when it is the first block not held yet; i never exceeds the count
+    // of blocks held.
+    cell* block(unsigned i);
+    // Block i of those held.
+    const cell* held(unsigned i) const { return blocks_[i]; }
+    // An array of at least n pointers; its contents are not kept when it grows.
+    const cell** sorted(unsigned n);
+    // Frees every block and the sorted array.
+    void release();
+
+private:
+    enum : unsigned { block_pool = 256 };
+
+    cell** blocks_ = nullptr;
+    unsigned held_ = 0;
+    unsigned capacity_ = 0;
+    const cell** sorted_ = nullptr;
+    unsigned sorted_capacity_ = 0;
+};
+
 // The coverage cells of one polygon. Cells are stored in blocks of 4096 that never move and are
 // kept across reset(), so a reused outline allocates nothing until it needs more cells than
 // before. At most 1024 blocks are ever allocated; a flush that must begin a block when all 1024
 // exist drops its cell. Since every polygon begins a block with its first cell, once an outline
 // has held 4,194,304 cells no later polygon stores any.
+//
+// The blocks live in a cell_storage, the outline's own or a shared one; the count of blocks
+// allocated, which the limit reads, is the outline's own. Drawing through a shared storage, or
+// releasing the own one after every polygon, stores exactly the cells an outline that kept its
+// blocks would store.
 class KXAC_API outline {
 public:
     enum : unsigned {
         block_shift = 12,
         block_cells = 1u << block_shift,
         block_mask = block_cells - 1,
-        block_pool = 256,
         block_limit = 1024,
         insertion_threshold = 9,
     };
@@ -63,6 +97,12 @@ public:
     outline& operator=(const outline&) = delete;
 
     void reset();
+    // reset(), then frees the own storage. The block limit goes on counting the blocks
+    // allocated before.
+    void release();
+    // Draws through storage from now on (the own storage again for null). The caller keeps it
+    // alive while the outline uses it, and calls reset() before the next polygon.
+    void share(cell_storage* storage) { storage_ = storage != nullptr ? storage : &own_; }
     void move_to(int x, int y);
     // An edge 32,768 or more columns wide (beyond the supported range) is first cut into
     // shorter pieces, which keeps the walk's arithmetic inside 32 bits.
@@ -90,14 +130,14 @@ private:
     void sort_cells();
     static void qsort_cells(const cell** start, unsigned num);
 
+    // Blocks allocated so far: what the limit counts, whichever storage holds them.
     unsigned block_count_ = 0;
-    unsigned block_capacity_ = 0;
     unsigned next_block_ = 0;
     unsigned cell_count_ = 0;
-    cell** blocks_ = nullptr;
+    cell_storage own_;
+    cell_storage* storage_ = &own_;
     cell* write_ptr_ = nullptr;
     const cell** sorted_ = nullptr;
-    unsigned sorted_capacity_ = 0;
     cell current_;
     int pen_x_ = 0;
     int pen_y_ = 0;
@@ -132,6 +172,8 @@ public:
     void add_cell(int x, int y, unsigned cover) { add_span(x, y, 1, cover); }
 
     void clear();
+    // Frees the arrays; the next reset() allocates them again.
+    void release();
     // The spans held belong to a row before y and must be emitted first.
     bool ready(int y) const { return span_count_ != 0 && y != last_y_; }
 
@@ -207,6 +249,13 @@ struct run_row {
     Sink* row_sink;
 };
 
+// What rasterizers may share: cell storage and scanline. Sharing rasterizers draw one polygon
+// at a time.
+struct KXAC_API raster_scratch {
+    cell_storage cells;
+    scanline line;
+};
+
 class KXAC_API rasterizer {
 public:
     static const unsigned char s_default_gamma[256];
@@ -216,6 +265,9 @@ public:
     rasterizer& operator=(const rasterizer&) = delete;
 
     outline& get_outline() { return outline_; }
+    // Draws through the scratch from now on (the own memory again for null), freeing the own
+    // memory; the outline's block limit keeps counting.
+    void share(raster_scratch* scratch);
     const outline& get_outline() const { return outline_; }
     // 1 is even-odd; any other value is non-zero winding.
     int fill_rule() const { return fill_rule_; }
@@ -249,7 +301,8 @@ private:
     void emit_scanline(rendering_buffer& target);
 
     outline outline_;
-    scanline scanline_;
+    scanline own_scanline_;
+    scanline* scanline_ = &own_scanline_;
     int fill_rule_ = 0;
     unsigned char gamma_table_[256];
 };
@@ -287,27 +340,27 @@ template <class Sink>
 void rasterizer::render(rendering_buffer& target) {
     const cell* const* list = outline_.cells();
     if (list == nullptr || outline_.cell_count() == 0) return;
-    scanline_.reset(outline_.min_x(), outline_.max_x(), 0, 0);
+    scanline_->reset(outline_.min_x(), outline_.max_x(), 0, 0);
     sweep(list, [&](int x, int y, unsigned n, unsigned a) {
-        if (scanline_.ready(y)) {
+        if (scanline_->ready(y)) {
             emit_scanline<Sink>(target);
-            scanline_.clear();
+            scanline_->clear();
         }
-        scanline_.add_span(x, y, n, gamma_table_[a]);
+        scanline_->add_span(x, y, n, gamma_table_[a]);
     });
-    if (scanline_.span_count() != 0) emit_scanline<Sink>(target);
+    if (scanline_->span_count() != 0) emit_scanline<Sink>(target);
 }
 
 template <class Sink>
 void rasterizer::emit_scanline(rendering_buffer& target) {
     // 64-bit sums: offsets and indexes may be anything outside the supported range.
-    const int64_t r = static_cast<int64_t>(scanline_.last_y()) + scanline_.offset_y();
+    const int64_t r = static_cast<int64_t>(scanline_->last_y()) + scanline_->offset_y();
     if (r < 0 || r >= static_cast<int64_t>(target.height())) return;
     const auto* rec = reinterpret_cast<const run_row<Sink>*>(target.row(static_cast<unsigned>(r)));
-    const int64_t base = static_cast<int64_t>(scanline_.origin_x()) + scanline_.offset_x();
-    for (unsigned k = 1; k <= scanline_.span_count(); ++k) {
-        int64_t x = base + scanline_.span_index(k);
-        int64_t n = scanline_.span_length(k);
+    const int64_t base = static_cast<int64_t>(scanline_->origin_x()) + scanline_->offset_x();
+    for (unsigned k = 1; k <= scanline_->span_count(); ++k) {
+        int64_t x = base + scanline_->span_index(k);
+        int64_t n = scanline_->span_length(k);
         if (x < 0) {
             n += x;
             if (n < 1) continue;

@@ -270,4 +270,75 @@ TEST(Outline, BlockLimitDropsCellsForever) {
     EXPECT_EQ(o.cell_count(), 0u);
 }
 
+TEST(Outline, ReleasedOutlineStoresTheSameCellsAsAKeptOne) {
+    agg::outline kept;
+    agg::outline released;
+    for (agg::outline* o : {&kept, &released}) {
+        o->reset();
+        // A first polygon of two blocks, then a smaller one.
+        o->move_to(0, -3000 * kCell);
+        for (int i = 1; i <= 4; ++i)
+            o->line_to(i * kCell + 77, (i % 2 == 1 ? 3000 : -3000) * kCell);
+        ASSERT_NE(o->cells(), nullptr);
+        if (o == &released) o->release();
+        o->reset();
+        Rect(*o, 3 * kCell + 5, kCell, 9 * kCell + 200, 6 * kCell + 1);
+    }
+    const std::vector<agg::cell> a = SortedCells(kept);
+    const std::vector<agg::cell> b = SortedCells(released);
+    ASSERT_EQ(a.size(), b.size());
+    ASSERT_FALSE(a.empty());
+    for (size_t i = 0; i < a.size(); ++i) {
+        EXPECT_EQ(a[i].packed, b[i].packed) << i;
+        EXPECT_EQ(a[i].cover, b[i].cover) << i;
+        EXPECT_EQ(a[i].area, b[i].area) << i;
+    }
+}
+
+TEST(Outline, ReleaseKeepsCountingTowardTheBlockLimit) {
+    agg::outline o;
+    o.move_to(0, -30000 * kCell);
+    for (int i = 1; i <= 80; ++i)
+        o.line_to(i * kCell + 128, (i % 2 == 1 ? 30000 : -30000) * kCell);
+    EXPECT_EQ(o.cell_count(), 1024u * 4096u);
+    // The storage is gone, but the blocks were allocated once: the limit still holds.
+    o.release();
+    Rect(o, 0, 0, 5 * kCell + 3, 5 * kCell + 3);
+    EXPECT_EQ(o.cells(), nullptr);
+}
+
+TEST(Outline, ReleasedOutlineDrawsAgainBelowTheLimit) {
+    agg::outline o;
+    for (int i = 0; i < 1100; ++i) {
+        // Each polygon allocates its block afresh, but as a reuse of the first: never counted.
+        Rect(o, 0, 0, 3 * kCell + 9, 2 * kCell + 9);
+        ASSERT_NE(o.cells(), nullptr) << "polygon " << i;
+        o.release();
+    }
+}
+
+TEST(Outline, SharedStorageKeepsEachOutlinesCellsAndLimit) {
+    agg::cell_storage shared;
+    agg::outline full, small, alone;
+    full.share(&shared);
+    small.share(&shared);
+    // One outline reaches the block limit through the shared storage...
+    full.move_to(0, -30000 * kCell);
+    for (int i = 1; i <= 80; ++i)
+        full.line_to(i * kCell + 128, (i % 2 == 1 ? 30000 : -30000) * kCell);
+    EXPECT_EQ(full.cell_count(), 1024u * 4096u);
+    // ...the other still draws, and gets the cells an outline of its own gets.
+    for (agg::outline* o : {&small, &alone})
+        Rect(*o, 3 * kCell + 5, kCell, 9 * kCell + 200, 6 * kCell + 1);
+    const std::vector<agg::cell> a = SortedCells(small);
+    const std::vector<agg::cell> b = SortedCells(alone);
+    ASSERT_EQ(a.size(), b.size());
+    ASSERT_FALSE(a.empty());
+    for (size_t i = 0; i < a.size(); ++i)
+        EXPECT_EQ(a[i].packed, b[i].packed) << i;
+    full.reset();
+    Rect(full, 0, 0, 5 * kCell + 3, 5 * kCell + 3);
+    EXPECT_EQ(full.cells(), nullptr);
+}
+
 }  // namespace

@@ -1,0 +1,158 @@
+// The straightforward and the indexed placement side by side on the same scenes: objects per
+// second of each, their ratio, and the peak memory of each pass.
+//
+// Every pass runs in a child process of its own, so that its peak resident size (scene included)
+// is its own; the child writes its time to a pipe. The straightforward pass is quadratic: once it
+// has spent the budget it stops adding labels, the table says after how many, and its rate is
+// that of the prefix (an upper bound for the whole pass).
+//
+// Usage: kxac_placement_compare [budget seconds, default 120]
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "bench_scene.h"
+#include "reference_placement.h"
+
+namespace {
+
+struct Case {
+    std::string name;
+    std::function<kxbench::Scene()> make;
+};
+
+struct Outcome {
+    double seconds = 0.0;
+    size_t objects = 0;
+    size_t labels = 0;
+    size_t placed = 0;
+    long peakKiB = 0;
+    bool ok = false;
+};
+
+// RunPass with a time budget: the obstacles, then labels until the budget is spent.
+kxbench::PassCounts TimedPass(CAvoidContainer& c, kxbench::Scene& s, double budget,
+                              size_t& labels) {
+    const auto start = std::chrono::steady_clock::now();
+    for (kxbench::Obstacle& o : s.forced) {
+        CAvoidObject* obj = c.NewObject();
+        const int count = static_cast<int>(o.xy.size());
+        if (o.halfWidth > 0) {
+            obj->AddLine(o.xy.data(), count, o.halfWidth);
+        } else {
+            obj->AddRing(o.xy.data(), count);
+        }
+        c.Add(obj, true);
+    }
+    labels = 0;
+    for (const kxbench::Label& l : s.labels) {
+        if (labels % 64 == 0) {
+            const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
+            if (spent.count() > budget) break;
+        }
+        CAvoidObject* obj = c.NewObject();
+        const Box& b = l.box;
+        int ring[] = {b.left,      b.top,        b.right + 1, b.top,
+                      b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
+        obj->AddRing(ring, 8);
+        auto& offsets = obj->OffsetCollection();
+        offsets.insert(offsets.end(), l.offsets.begin(), l.offsets.end());
+        c.Add(obj, false);
+        ++labels;
+    }
+    kxbench::PassCounts counts{c.PlacedObjects().size(), c.UnplacedObjects().size()};
+    c.Reset();
+    return counts;
+}
+
+// Runs one pass in a child process.
+Outcome RunInChild(const Case& c, bool fast, double budget) {
+    int fd[2];
+    Outcome out;
+    if (pipe(fd) != 0) return out;
+    const pid_t pid = fork();
+    if (pid == 0) {
+        close(fd[0]);
+        kxbench::Scene scene = c.make();
+        CPriorityAvoidContainer indexed;
+        reference::PriorityContainer straightforward;
+        CPriorityAvoidContainer& container = fast ? indexed : straightforward;
+        kxbench::FitToScene(container, scene);
+        Outcome r;
+        const auto start = std::chrono::steady_clock::now();
+        const kxbench::PassCounts counts = TimedPass(container, scene, budget, r.labels);
+        const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
+        r.seconds = spent.count();
+        r.objects = scene.forced.size() + r.labels;
+        r.placed = counts.placed;
+        r.ok = true;
+        if (write(fd[1], &r, sizeof r) != static_cast<ssize_t>(sizeof r)) _exit(1);
+        _exit(0);
+    }
+    close(fd[1]);
+    if (pid < 0) {
+        close(fd[0]);
+        return out;
+    }
+    Outcome r;
+    const bool read_ok = read(fd[0], &r, sizeof r) == static_cast<ssize_t>(sizeof r);
+    close(fd[0]);
+    int status = 0;
+    struct rusage usage {};
+    wait4(pid, &status, 0, &usage);
+    if (!read_ok || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return out;
+    r.peakKiB = usage.ru_maxrss;
+    return r;
+}
+
+std::string Mib(long kib) {
+    char buf[32];
+    std::snprintf(buf, sizeof buf, "%.0f MiB", static_cast<double>(kib) / 1024.0);
+    return buf;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const double budget = argc > 1 ? std::atof(argv[1]) : 120.0;
+    const uint32_t seed = 20240601;
+    const std::vector<Case> cases = {
+        {"world, 5000 cities", [] { return kxbench::WorldCities(5000); }},
+        {"world, 20000 cities", [] { return kxbench::WorldCities(20000); }},
+        {"world, all cities", [] { return kxbench::WorldCities(0); }},
+        {"uniform, 1k labels", [=] { return kxbench::UniformLabels(1000, seed); }},
+        {"uniform, 10k labels", [=] { return kxbench::UniformLabels(10000, seed); }},
+        {"uniform, 100k labels", [=] { return kxbench::UniformLabels(100000, seed); }},
+    };
+    std::printf(
+        "| scene | objects | straightforward obj/s | peak | indexed obj/s | peak | ratio |\n");
+    std::printf("|---|---:|---:|---:|---:|---:|---:|\n");
+    for (const Case& c : cases) {
+        const Outcome fast = RunInChild(c, true, 1e30);
+        const Outcome slow = RunInChild(c, false, budget);
+        if (!fast.ok || !slow.ok) {
+            std::printf("| %s | failed | | | | | |\n", c.name.c_str());
+            continue;
+        }
+        const double fastRate = static_cast<double>(fast.objects) / fast.seconds;
+        const double slowRate = static_cast<double>(slow.objects) / slow.seconds;
+        std::string slowNote;
+        if (slow.labels < fast.labels) {
+            slowNote = " (first " + std::to_string(slow.labels) + " labels)";
+        } else if (slow.placed != fast.placed) {
+            slowNote = " (placed count differs!)";
+        }
+        std::printf("| %s | %zu | %.0f%s | %s | %.0f | %s | %.1f |\n", c.name.c_str(), fast.objects,
+                    slowRate, slowNote.c_str(), Mib(slow.peakKiB).c_str(), fastRate,
+                    Mib(fast.peakKiB).c_str(), fastRate / slowRate);
+        std::fflush(stdout);
+    }
+    return 0;
+}

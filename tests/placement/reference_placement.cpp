@@ -1,0 +1,53 @@
+#include "reference_placement.h"
+
+#include <vector>
+
+namespace reference {
+
+bool Intersect(const CAvoidObject& r, CAvoidObject& o) {
+    if (!r.IsValid() || !o.IsValid()) return false;
+    const Location here = r.Offset();
+    const Location there = o.Offset();
+    for (const Box& a : r.Boxes()) {
+        for (const Box& b : o.Boxes()) {
+            if (a.Offset(here).IsIntersect(b.Offset(there))) return true;
+        }
+    }
+    for (const Box& a : r.Boxes()) {
+        if (o.IsIntersectRLE(a.Offset(here))) return true;
+    }
+    auto* grid = const_cast<CRLEIndexQuery*>(&o.Grid());
+    return r.IsIntersectRLE(grid, o.RLEMaxExtent(), there);
+}
+
+bool PriorityContainer::Add(CAvoidObject* obj, bool force) {
+    if (obj == nullptr) return true;
+    if (!force) {
+        obj->PlacedState(CAvoidObject::kNotPlaced);
+        std::vector<Location>& offsets = obj->OffsetCollection();
+        std::vector<CAvoidObject*> candidates;
+        bool free = false;
+        for (auto it = offsets.begin(); it != offsets.end() && !free; ++it) {
+            obj->OffsetIterator(it);
+            candidates.clear();
+            IntersectBox(obj, candidates);
+            free = true;
+            for (CAvoidObject* placed : candidates) {
+                if (Intersect(*placed, *obj)) {
+                    free = false;
+                    break;
+                }
+            }
+        }
+        if (!free) {
+            obj->OffsetIterator(offsets.begin());
+            m_unplaced.push_back(obj);
+            return true;
+        }
+    }
+    obj->PlacedState(CAvoidObject::kPlaced);
+    m_placed.push_back(obj);
+    return true;
+}
+
+}  // namespace reference
