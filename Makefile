@@ -7,6 +7,8 @@ JOBS ?= 2
 BUILD := build
 CMAKE_GEN := -G Ninja
 FUZZ_SECONDS ?= 600
+# Time budget of the straightforward pass in the placement comparison, in seconds.
+COMPARE_SECONDS ?= 120
 
 .PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo
 
@@ -75,10 +77,11 @@ bench: deps-build
 	bash .ci/deps.sh bench java
 	cmake -S . -B $(BUILD)/bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DKXAC_BUILD_BENCH=ON \
 		-DKXAC_BUILD_TESTS=OFF
-	cmake --build $(BUILD)/bench --target kxac_bench -j $(JOBS)
+	cmake --build $(BUILD)/bench --target kxac_bench kxac_placement_compare -j $(JOBS)
 	mkdir -p out/bench
 	$(BUILD)/bench/bench/kxac_bench --benchmark_out=out/bench/native.json \
 		--benchmark_out_format=json
+	$(BUILD)/bench/bench/kxac_placement_compare $(COMPARE_SECONDS) | tee out/bench/placement_compare.md
 	$(MVN_PACKAGE) -Dkxac.native.library=$(abspath $(BUILD)/bench/libKXAvoidContainer.so)
 	java -cp "$(JAR)" com.tavrint.demo.PassBenchmark out/bench/java.json
 

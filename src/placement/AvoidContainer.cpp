@@ -2,6 +2,7 @@
 #include "placement/AvoidContainer.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 CAvoidContainer::CAvoidContainer() = default;
 
@@ -55,11 +56,17 @@ void CAvoidContainer::Recycle(CAvoidObject* obj) {
 
 void CAvoidContainer::Destroy() {
     Reset();
+    // An object added or recycled twice stands in the pool twice: it is deleted once.
+    std::unordered_set<CAvoidObject*> deleted;
     while (!m_pool.empty()) {
-        delete m_pool.front();
+        CAvoidObject* obj = m_pool.front();
         m_pool.pop();
+        if (obj != nullptr && deleted.insert(obj).second) delete obj;
     }
 }
+
+// The index lets go of the objects before the base class deletes them.
+CPriorityAvoidContainer::~CPriorityAvoidContainer() = default;
 
 bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
     if (obj == nullptr) return true;
@@ -74,6 +81,8 @@ bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
     // that could, in any order.
     for (auto it = offsets.begin(); it != offsets.end(); ++it) {
         obj->OffsetIterator(it);
+        // obj itself may be filed already (added twice): moving it makes the index stale.
+        SyncIndex();
         if (!m_index.Collides(obj)) {
             Place(obj);
             return true;
@@ -97,7 +106,10 @@ void CPriorityAvoidContainer::Place(CAvoidObject* obj) {
 }
 
 void CPriorityAvoidContainer::SyncIndex() {
-    if (m_indexedRemovals == m_placedRemovals && m_index.Inserted() == m_placed.size()) return;
+    if (!m_index.Stale() && m_indexedRemovals == m_placedRemovals &&
+        m_index.Inserted() == m_placed.size()) {
+        return;
+    }
     m_index.Clear();
     for (CAvoidObject* placed : m_placed)
         m_index.Insert(placed);

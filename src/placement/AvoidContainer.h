@@ -59,7 +59,12 @@ public:
     // current, empties both extents, numeric ID 0, state 0. String ID and transform stay.
     void Reset();
 
-    std::vector<Location>& OffsetCollection() { return m_offsets; }
+    // The offsets, to append to or walk. A placed object's container is told that its footprint
+    // may change through the reference.
+    std::vector<Location>& OffsetCollection() {
+        Changed();
+        return m_offsets;
+    }
     // The current position is kept as an index, so appending offsets never invalidates it. A
     // position past the end of the offsets reads as end().
     std::vector<Location>::iterator OffsetIterator();
@@ -137,6 +142,12 @@ public:
     const CRLEIndexQuery& Grid() const { return *this; }
 
 private:
+    friend class CPlacedIndex;
+
+    // Tells the index that files this object, if any, that its footprint or offset changed.
+    void Changed() {
+        if (m_watcher != nullptr) m_watcher->MarkStale();
+    }
     // Rasterises the polygon in m_polygon (subpixel coordinates, not yet truncated).
     void DrawPolygon();
     void DrawSegment(int x0, int y0, int x1, int y1, int width);
@@ -161,6 +172,8 @@ private:
     std::vector<double> m_clipped;
     enum class Regularity : unsigned char { kUnknown, kRegular, kIrregular };
     mutable Regularity m_regularity = Regularity::kUnknown;
+    // The index of placed objects that files this object, or null.
+    CPlacedIndex* m_watcher = nullptr;
 };
 
 // Owner of the objects of one placement pass and keeper of its transform.
@@ -185,7 +198,8 @@ public:
     // 1 and 2 move the first node holding it from the placed or unplaced list to the pool, and
     // do nothing when no node holds it; other states and null do nothing. obj is not touched.
     void Recycle(CAvoidObject* obj);
-    // Reset(), then deletes every pooled object.
+    // Reset(), then deletes every pooled object, once even when it stands in the pool twice
+    // (an object added or recycled twice).
     void Destroy();
     CDT* DT() { return &m_dt; }
 
@@ -208,10 +222,14 @@ private:
 
 // Greedy placement in the order of adding: an earlier object always wins.
 //
-// A placed object is expected to keep its footprint and its current offset while it is placed:
-// the container files it by where it stood when it was placed.
+// Placed objects are filed in an index by where their footprints stand. A placed object whose
+// footprint or offset changes (through its own operations) marks the index stale, and the index
+// is rebuilt from the placed list before it is next asked; answers are those of a scan over the
+// placed list in every case.
 class KXAC_API CPriorityAvoidContainer : public CAvoidContainer {
 public:
+    ~CPriorityAvoidContainer() override;
+
     // Forced: placed at its current offset without a test. Otherwise each offset is tried in
     // order; the object is placed at the first at which no placed object collides with it, or
     // listed as unplaced with its first offset current. Always true; null is ignored.

@@ -126,6 +126,7 @@ CAvoidObject::CAvoidObject() = default;
 CAvoidObject::~CAvoidObject() = default;
 
 void CAvoidObject::Reset() {
+    Changed();
     Clear();
     m_boxes.clear();
     m_offsets.clear();
@@ -143,6 +144,7 @@ std::vector<Location>::iterator CAvoidObject::OffsetIterator() {
 }
 
 void CAvoidObject::OffsetIterator(std::vector<Location>::iterator position) {
+    Changed();
     m_position = static_cast<size_t>(position - m_offsets.begin());
 }
 
@@ -151,11 +153,15 @@ Location CAvoidObject::Offset() const {
 }
 
 void CAvoidObject::ClearOffset() {
+    Changed();
     m_offsets.clear();
     m_offsets.emplace_back(0, 0);
 }
 
-void CAvoidObject::AddBox(const Box& box) { m_boxes.push_back(box); }
+void CAvoidObject::AddBox(const Box& box) {
+    Changed();
+    m_boxes.push_back(box);
+}
 
 void CAvoidObject::AddBox(const Envelope& envelope) {
     const CDT* dt = CRLERaster::DT();
@@ -165,11 +171,15 @@ void CAvoidObject::AddBox(const Envelope& envelope) {
 }
 
 void CAvoidObject::AddRLE(int row, int first, int last) {
+    Changed();
     Add(row, first, last);
     m_regularity = Regularity::kUnknown;
 }
 
-void CAvoidObject::RecordMaxRLE() { m_runExtent = Box(StartCol(), StartRow(), EndCol(), EndRow()); }
+void CAvoidObject::RecordMaxRLE() {
+    Changed();
+    m_runExtent = Box(StartCol(), StartRow(), EndCol(), EndRow());
+}
 
 Box CAvoidObject::RLEMaxExtent() const { return m_runExtent.Offset(Offset()); }
 

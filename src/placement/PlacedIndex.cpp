@@ -56,15 +56,22 @@ const Box kEverywhere(INT_MIN, INT_MIN, INT_MAX, INT_MAX);
 
 }  // namespace
 
+CPlacedIndex::~CPlacedIndex() { Clear(); }
+
 void CPlacedIndex::Clear() {
+    for (CAvoidObject* obj : m_watched) {
+        if (obj->m_watcher == this) obj->m_watcher = nullptr;
+    }
+    m_watched.clear();
     m_entries.clear();
     m_buckets.clear();
     m_large.clear();
-    m_inserted = 0;
+    m_stale = false;
 }
 
 void CPlacedIndex::Insert(CAvoidObject* obj) {
-    ++m_inserted;
+    obj->m_watcher = this;
+    m_watched.push_back(obj);
     if (!obj->IsValid()) return;
     Box bounds;
     if (!BoundsOf(*obj, bounds)) bounds = kEverywhere;

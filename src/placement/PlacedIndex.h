@@ -18,16 +18,24 @@ class CAvoidObject;
 
 class CPlacedIndex {
 public:
-    // Drops every object.
+    CPlacedIndex() = default;
+    CPlacedIndex(const CPlacedIndex&) = delete;
+    CPlacedIndex& operator=(const CPlacedIndex&) = delete;
+    ~CPlacedIndex();
+
+    // Drops every object; the objects stop reporting their changes to this index.
     void Clear();
     // Files a placed object at its current offset; objects that are not valid never collide
-    // and are not kept.
+    // and are not kept in buckets. Every inserted object reports its changes until Clear().
     void Insert(CAvoidObject* obj);
     // Whether some filed object meets obj's MaxExtent and, as the receiver, collides with obj at
     // its current offset.
     bool Collides(CAvoidObject* obj);
     // The number of Insert calls since the last Clear.
-    size_t Inserted() const { return m_inserted; }
+    size_t Inserted() const { return m_watched.size(); }
+    // Some inserted object changed its footprint or offset since it was filed.
+    bool Stale() const { return m_stale; }
+    void MarkStale() { m_stale = true; }
 
 private:
     struct Entry {
@@ -45,5 +53,7 @@ private:
     // Entries too large for buckets and entries without bounds.
     std::vector<uint32_t> m_large;
     uint64_t m_stamp = 0;
-    size_t m_inserted = 0;
+    // Every object inserted since the last Clear, valid or not.
+    std::vector<CAvoidObject*> m_watched;
+    bool m_stale = false;
 };

@@ -17,7 +17,7 @@ namespace {
 
 // One footprint operation of an object.
 struct Op {
-    enum Kind { kBox, kLine, kRing, kRun, kRecord } kind;
+    enum Kind { kBox, kLine, kRing, kRun, kRecord } kind = kBox;
     std::vector<int> v;  // box: l, t, r, b; line and ring: points; run: row, first, last
     int width = 0;
 };
@@ -28,6 +28,10 @@ struct ObjectPlan {
     bool force = false;
     // Recycles the n-th placed object (counted from the front) before this one is added.
     int recyclePlaced = -1;
+    // Changes the n-th placed object before this one is added: the container must notice.
+    int changePlaced = -1;
+    enum Change { kDraw, kClearOffset, kResetObject, kFirstOffset, kAddAgain } change = kDraw;
+    Op drawOnPlaced;
 };
 
 using Pass = std::vector<ObjectPlan>;
@@ -125,34 +129,45 @@ private:
             o.offsets.push_back(OffsetValue());
         o.force = Chance(12);
         if (Chance(4)) o.recyclePlaced = Uniform(0, 10);
+        if (Chance(4)) {
+            o.changePlaced = Uniform(0, 10);
+            o.change = static_cast<ObjectPlan::Change>(Uniform(0, 4));
+            o.drawOnPlaced = {Op::kBox, {Uniform(0, 110), Uniform(0, 110), 0, 0}, 0};
+            o.drawOnPlaced.v[2] = o.drawOnPlaced.v[0] + Uniform(0, 20);
+            o.drawOnPlaced.v[3] = o.drawOnPlaced.v[1] + Uniform(0, 20);
+            if (Chance(50)) o.drawOnPlaced.kind = Op::kRing, o.drawOnPlaced.v = Points(4);
+        }
         return o;
     }
 
     std::mt19937 m_rng;
 };
 
-void Build(CAvoidObject* obj, const ObjectPlan& plan) {
-    for (const Op& op : plan.ops) {
-        std::vector<int> v = op.v;
-        const int n = static_cast<int>(v.size());
-        switch (op.kind) {
-            case Op::kBox:
-                obj->AddBox(Box(v[0], v[1], v[2], v[3]));
-                break;
-            case Op::kLine:
-                obj->AddLine(v.data(), n, op.width);
-                break;
-            case Op::kRing:
-                obj->AddRing(v.data(), n);
-                break;
-            case Op::kRun:
-                obj->AddRLE(v[0], std::min(v[1], v[2]), std::max(v[1], v[2]));
-                break;
-            case Op::kRecord:
-                obj->RecordMaxRLE();
-                break;
-        }
+void Draw(CAvoidObject* obj, const Op& op) {
+    std::vector<int> v = op.v;
+    const int n = static_cast<int>(v.size());
+    switch (op.kind) {
+        case Op::kBox:
+            obj->AddBox(Box(v[0], v[1], v[2], v[3]));
+            break;
+        case Op::kLine:
+            obj->AddLine(v.data(), n, op.width);
+            break;
+        case Op::kRing:
+            obj->AddRing(v.data(), n);
+            break;
+        case Op::kRun:
+            obj->AddRLE(v[0], std::min(v[1], v[2]), std::max(v[1], v[2]));
+            break;
+        case Op::kRecord:
+            obj->RecordMaxRLE();
+            break;
     }
+}
+
+void Build(CAvoidObject* obj, const ObjectPlan& plan) {
+    for (const Op& op : plan.ops)
+        Draw(obj, op);
     std::vector<Location>& offsets = obj->OffsetCollection();
     offsets.insert(offsets.end(), plan.offsets.begin(), plan.offsets.end());
 }
@@ -165,12 +180,25 @@ public:
     }
 
     void Add(const ObjectPlan& plan, int number) {
-        if (plan.recyclePlaced >= 0 && !m_c.PlacedObjects().empty()) {
-            auto it = m_c.PlacedObjects().begin();
-            for (int i = 0; i < plan.recyclePlaced && std::next(it) != m_c.PlacedObjects().end();
-                 ++i)
-                ++it;
-            m_c.Recycle(*it);
+        if (CAvoidObject* placed = NthPlaced(plan.recyclePlaced)) m_c.Recycle(placed);
+        if (CAvoidObject* placed = NthPlaced(plan.changePlaced)) {
+            switch (plan.change) {
+                case ObjectPlan::kDraw:
+                    Draw(placed, plan.drawOnPlaced);
+                    break;
+                case ObjectPlan::kClearOffset:
+                    placed->ClearOffset();
+                    break;
+                case ObjectPlan::kResetObject:
+                    placed->Reset();
+                    break;
+                case ObjectPlan::kFirstOffset:
+                    placed->OffsetIterator(placed->OffsetCollection().begin());
+                    break;
+                case ObjectPlan::kAddAgain:
+                    m_c.Add(placed, false);
+                    break;
+            }
         }
         CAvoidObject* obj = m_c.NewObject();
         Build(obj, plan);
@@ -196,6 +224,15 @@ public:
     std::vector<int> Unplaced() const { return Listed(m_c.UnplacedObjects()); }
 
 private:
+    // The n-th placed object from the front (the last one when there are fewer), or null.
+    CAvoidObject* NthPlaced(int n) const {
+        if (n < 0 || m_c.PlacedObjects().empty()) return nullptr;
+        auto it = m_c.PlacedObjects().begin();
+        for (int i = 0; i < n && std::next(it) != m_c.PlacedObjects().end(); ++i)
+            ++it;
+        return *it;
+    }
+
     CPriorityAvoidContainer& m_c;
     std::map<CAvoidObject*, int> m_number;
     CAvoidObject* m_last = nullptr;
