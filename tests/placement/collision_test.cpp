@@ -35,15 +35,21 @@ bool LiteralSearch(const CRLEIndexQuery& g, const Box& b) {
 
 }  // namespace
 
-TEST(Collision, BoxesOfTheArgumentOnRunsOfTheReceiverDoNotCount) {
-    CAvoidObject placed, candidate;
-    placed.Reset();
-    candidate.Reset();
+TEST(Collision, BoxRuleIsOneSidedAndObjectsWithoutRunsNeverCollide) {
+    CAvoidObject placed, candidate, boxes;
+    for (CAvoidObject* obj : {&placed, &candidate, &boxes})
+        obj->Reset();
     Fill(placed, 10, 12, 10, 12);
     Fill(candidate, 50, 52, 50, 52);
     candidate.AddBox(Box(9, 9, 13, 13));
-    EXPECT_FALSE(placed.IsIntersect(&candidate));
-    EXPECT_TRUE(candidate.IsIntersect(&placed));  // roles swapped
+    EXPECT_FALSE(placed.IsIntersect(&candidate));  // the argument's boxes on the receiver's runs
+    EXPECT_TRUE(candidate.IsIntersect(&placed));
+    boxes.AddBox(Box(0, 0, 100, 100));
+    EXPECT_FALSE(boxes.IsIntersect(&candidate));
+    EXPECT_FALSE(candidate.IsIntersect(&boxes));
+    Box probe(0, 0, 100, 100);
+    EXPECT_FALSE(boxes.IsIntersect(probe));
+    EXPECT_TRUE(candidate.IsIntersect(probe));
 }
 
 TEST(Collision, RunsTouchingInOneCellCollide) {
@@ -57,20 +63,6 @@ TEST(Collision, RunsTouchingInOneCellCollide) {
     EXPECT_TRUE(b.IsIntersect(&a));
     MoveTo(b, 5, -4);
     EXPECT_FALSE(a.IsIntersect(&b));
-}
-
-TEST(Collision, ObjectWithoutRunsNeverCollides) {
-    CAvoidObject boxes, runs;
-    boxes.Reset();
-    runs.Reset();
-    boxes.AddBox(Box(0, 0, 100, 100));
-    Fill(runs, 10, 20, 10, 20);
-    runs.AddBox(Box(0, 0, 100, 100));
-    EXPECT_FALSE(boxes.IsIntersect(&runs));
-    EXPECT_FALSE(runs.IsIntersect(&boxes));
-    Box probe(0, 0, 100, 100);
-    EXPECT_FALSE(boxes.IsIntersect(probe));
-    EXPECT_TRUE(runs.IsIntersect(probe));
 }
 
 TEST(Collision, CellScanFindsTheLastCellOfTheArea) {

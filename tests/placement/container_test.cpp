@@ -10,7 +10,6 @@
 
 using testing_support::Cell;
 using testing_support::CellSet;
-using testing_support::CellsOf;
 
 namespace {
 
@@ -22,8 +21,7 @@ Objects Listed(const std::list<CAvoidObject*>& list) { return {list.begin(), lis
 struct Pass {
     CPriorityAvoidContainer c;
     Pass() { testing_support::SetCanvas(*c.DT(), 200, 200); }
-    // A fresh object whose footprint is the filled square [x, x + size) x [y, y + size), with
-    // further candidate offsets.
+    // A fresh object covering [x, x + size) x [y, y + size), with further candidate offsets.
     CAvoidObject* Square(int x, int y, int size, const std::vector<Location>& more = {}) {
         CAvoidObject* obj = c.NewObject();
         int ring[] = {x, y, x + size, y, x + size, y + size, x, y + size};
@@ -31,9 +29,17 @@ struct Pass {
         obj->OffsetCollection().insert(obj->OffsetCollection().end(), more.begin(), more.end());
         return obj;
     }
+    Objects Take(int n) {
+        Objects out;
+        while (n-- > 0)
+            out.push_back(c.NewObject());
+        return out;
+    }
+    void Recycle(const Objects& objects) {
+        for (CAvoidObject* obj : objects)
+            c.Recycle(obj);
+    }
 };
-
-}  // namespace
 
 TEST(AvoidContainer, PoolIsFirstInFirstOutAndReusedObjectsAreReset) {
     Pass p;
@@ -41,38 +47,29 @@ TEST(AvoidContainer, PoolIsFirstInFirstOutAndReusedObjectsAreReset) {
     CAvoidObject* b = p.c.NewObject();
     EXPECT_EQ(a->DT(), p.c.DT());
     a->ID(9);
-    p.c.Recycle(a);
-    p.c.Recycle(b);
+    p.Recycle({a, b});
     EXPECT_EQ(p.c.NewObject(), a);
     EXPECT_EQ(a->ID(), 0);
     EXPECT_TRUE(a->Grid().IsEmpty());
     EXPECT_EQ(a->OffsetCollection().size(), 1u);
     EXPECT_EQ(p.c.NewObject(), b);
-    // A state-0 object recycled twice is handed out twice.
-    p.c.Recycle(b);
-    p.c.Recycle(b);
-    EXPECT_EQ(p.c.NewObject(), b);
-    EXPECT_EQ(p.c.NewObject(), b);
-    p.c.Recycle(a);
-    p.c.Recycle(b);
+    p.Recycle({b, b});  // a state-0 object recycled twice is handed out twice
+    EXPECT_EQ(p.Take(2), (Objects{b, b}));
+    p.Recycle({a, b});
 }
 
 TEST(AvoidContainer, ResetPoolsPlacedThenUnplacedInOrder) {
     Pass p;
-    CAvoidObject* p1 = p.Square(10, 10, 5);
-    CAvoidObject* p2 = p.Square(50, 50, 5);
-    CAvoidObject* u1 = p.Square(11, 11, 2);
-    for (CAvoidObject* obj : {p1, p2, u1})
+    const Objects all = {p.Square(10, 10, 5), p.Square(50, 50, 5), p.Square(11, 11, 2)};
+    for (CAvoidObject* obj : all)
         p.c.Add(obj, false);
-    ASSERT_EQ(Listed(p.c.PlacedObjects()), (Objects{p1, p2}));
-    ASSERT_EQ(Listed(p.c.UnplacedObjects()), (Objects{u1}));
+    ASSERT_EQ(Listed(p.c.UnplacedObjects()), (Objects{all[2]}));
     p.c.Reset();
     EXPECT_TRUE(p.c.PlacedObjects().empty() && p.c.UnplacedObjects().empty());
-    EXPECT_EQ(p1->PlacedState(), 1);
-    p.c.Recycle(p1);  // already pooled by Reset: nothing happens
-    EXPECT_EQ((Objects{p.c.NewObject(), p.c.NewObject(), p.c.NewObject()}), (Objects{p1, p2, u1}));
-    for (CAvoidObject* obj : {p1, p2, u1})
-        p.c.Recycle(obj);
+    EXPECT_EQ(all[0]->PlacedState(), 1);
+    p.c.Recycle(all[0]);  // already pooled by Reset: nothing happens
+    EXPECT_EQ(p.Take(3), all);
+    p.Recycle(all);
 }
 
 TEST(AvoidContainer, RecycleMovesTheFirstListedNodeByState) {
@@ -86,42 +83,32 @@ TEST(AvoidContainer, RecycleMovesTheFirstListedNodeByState) {
     EXPECT_TRUE(p.c.UnplacedObjects().empty());
     p.c.Recycle(placed);
     EXPECT_EQ(p.c.PlacedObjects().size(), 1u);
-    p.c.Recycle(placed);
-    p.c.Recycle(placed);  // in no list any more: nothing happens
-    EXPECT_EQ((Objects{p.c.NewObject(), p.c.NewObject(), p.c.NewObject()}),
-              (Objects{unplaced, placed, placed}));
+    p.Recycle({placed, placed});  // the second finds it in no list: nothing happens
+    EXPECT_EQ(p.Take(3), (Objects{unplaced, placed, placed}));
     CAvoidObject* fresh = p.c.NewObject();
-    EXPECT_TRUE(fresh != placed && fresh != unplaced);
     fresh->PlacedState(7);
     p.c.Recycle(fresh);  // unknown state: ignored
     CAvoidObject* other = p.c.NewObject();
-    EXPECT_NE(other, fresh);
+    EXPECT_TRUE(other != fresh && fresh != placed && fresh != unplaced);
     fresh->PlacedState(0);
-    for (CAvoidObject* obj : {placed, unplaced, fresh, other})
-        p.c.Recycle(obj);
+    p.Recycle({placed, unplaced, fresh, other});
 }
 
-TEST(PriorityPlacement, PlacedAtTheFirstFreeOffset) {
+TEST(PriorityPlacement, PlacedAtTheFirstFreeOffsetOrRejectedBackOnTheFirst) {
     Pass p;
     CAvoidObject* first = p.Square(10, 10, 10);
     p.c.Add(first, false);
-    EXPECT_EQ(first->PlacedState(), 1);
     CAvoidObject* obj = p.Square(12, 12, 4, {{2, 0}, {30, 0}, {50, 0}});
     EXPECT_TRUE(p.c.Add(obj, false));
     EXPECT_EQ(obj->PlacedState(), 1);
     EXPECT_EQ(obj->Offset(), Location(30, 0));
     EXPECT_EQ(Listed(p.c.PlacedObjects()), (Objects{first, obj}));
-}
-
-TEST(PriorityPlacement, RejectedObjectReturnsToItsFirstOffsetAndNeverBlocks) {
-    Pass p;
-    p.c.Add(p.Square(10, 10, 10), false);
     CAvoidObject* rejected = p.Square(12, 12, 20, {{1, 1}, {-3, 2}});
     EXPECT_TRUE(p.c.Add(rejected, false));
     EXPECT_EQ(rejected->PlacedState(), 2);
     EXPECT_EQ(rejected->Offset(), Location(0, 0));
     EXPECT_EQ(Listed(p.c.UnplacedObjects()), Objects{rejected});
-    CAvoidObject* later = p.Square(25, 25, 2);  // inside the rejected one only
+    CAvoidObject* later = p.Square(25, 25, 2);  // inside the rejected one only: it never blocks
     p.c.Add(later, false);
     EXPECT_EQ(later->PlacedState(), 1);
 }
@@ -140,8 +127,6 @@ TEST(PriorityPlacement, ForcedObjectIsPlacedAndBlocksLaterOnes) {
 
 // Whole passes against a model that holds every footprint as a set of cells and states the
 // placement rules as plain loops.
-namespace {
-
 struct Model {
     CellSet cells;  // unshifted
     std::vector<Box> boxes;
@@ -225,14 +210,12 @@ Model RandomModel(std::mt19937& rng) {
     return m;
 }
 
-}  // namespace
-
 TEST(PriorityPlacement, RandomPassesMatchTheModel) {
     const unsigned seed = 90210;
     std::mt19937 rng(seed);
     CPriorityAvoidContainer c;
     testing_support::SetCanvas(*c.DT(), 100, 100);
-    int placed = 0, unplaced = 0;
+    size_t placed = 0, unplaced = 0;
     for (int pass = 0; pass < 150; ++pass) {
         std::ostringstream where;
         where << "seed " << seed << ", pass " << pass;
@@ -247,29 +230,30 @@ TEST(PriorityPlacement, RandomPassesMatchTheModel) {
             for (const Box& b : m.boxes)
                 obj->AddBox(b);
             obj->OffsetCollection() = m.offsets;
-            ASSERT_EQ(CellsOf(*obj), m.cells) << where.str();
+            ASSERT_EQ(testing_support::CellsOf(*obj), m.cells) << where.str();
+            c.Add(obj, m.forced);
             objects.push_back(obj);
         }
-        for (size_t i = 0; i < objects.size(); ++i)
-            c.Add(objects[i], models[i].forced);
         std::vector<int> order;
         const std::vector<int> chosen = RunModel(models, order);
         Objects expectPlaced, expectUnplaced;
         for (int i : order)
             expectPlaced.push_back(objects[i]);
         for (size_t i = 0; i < objects.size(); ++i) {
-            const int k = std::max(chosen[i], 0);
-            ASSERT_EQ(objects[i]->Offset(), models[i].offsets[k]) << where.str() << ", " << i;
+            ASSERT_EQ(objects[i]->Offset(), models[i].offsets[std::max(chosen[i], 0)])
+                << where.str() << ", " << i;
             ASSERT_EQ(objects[i]->PlacedState(), chosen[i] < 0 ? 2 : 1) << where.str();
             if (chosen[i] < 0) expectUnplaced.push_back(objects[i]);
         }
         ASSERT_EQ(Listed(c.PlacedObjects()), expectPlaced) << where.str();
         ASSERT_EQ(Listed(c.UnplacedObjects()), expectUnplaced) << where.str();
-        placed += static_cast<int>(expectPlaced.size());
-        unplaced += static_cast<int>(expectUnplaced.size());
+        placed += expectPlaced.size();
+        unplaced += expectUnplaced.size();
         c.Reset();
     }
     // Both outcomes must be common for the comparison to mean anything.
-    EXPECT_GT(placed, 200) << "seed " << seed;
-    EXPECT_GT(unplaced, 200) << "seed " << seed;
+    EXPECT_GT(placed, 200u) << "seed " << seed;
+    EXPECT_GT(unplaced, 200u) << "seed " << seed;
 }
+
+}  // namespace

@@ -53,21 +53,17 @@ double EdgeDistance(const std::vector<double>& xy, double px, double py) {
 
 }  // namespace
 
-TEST(AddLine, HorizontalSegmentCoversTwoRows) {
-    Canvas c(100, 100);
-    int line[] = {0, 5, 10, 5};
+TEST(AddLine, SegmentsHaveNoCapsOrJoinsAndEmptyOnesDrawNothing) {
+    Canvas c(100, 100), l(100, 100);
+    int line[] = {0, 5, 10, 5};  // a horizontal segment covers the rows on both sides
     c.obj.AddLine(line, 4, 1);
     EXPECT_EQ(CellsOf(c.obj), RectCells(0, 4, 10, 6));
     EXPECT_EQ(c.obj.RLEMaxExtent(), Box(0, 4, 9, 5));
-}
-
-TEST(AddLine, SegmentsHaveNoCapsOrJoinsAndEmptyOnesDrawNothing) {
-    Canvas c(100, 100);
     // A segment of length 0, then an L whose outer corner cell (20, 9) belongs to neither
     // stroke; a trailing odd value is ignored.
-    int line[] = {10, 10, 10, 10, 20, 10, 20, 20, 99};
-    c.obj.AddLine(line, 9, 1);
-    EXPECT_EQ(CellsOf(c.obj), Union(RectCells(10, 9, 20, 11), RectCells(19, 10, 21, 20)));
+    int corner[] = {10, 10, 10, 10, 20, 10, 20, 20, 99};
+    l.obj.AddLine(corner, 9, 1);
+    EXPECT_EQ(CellsOf(l.obj), Union(RectCells(10, 9, 20, 11), RectCells(19, 10, 21, 20)));
 }
 
 TEST(AddLine, SegmentsOffTheCanvasAreSkippedOrClipped) {

@@ -2,38 +2,30 @@
 
 #include <gtest/gtest.h>
 
-TEST(Box, DefaultIsTheEmptyBox) {
-    const Box b;
-    EXPECT_EQ(b, Box(1, 1, -1, -1));
-    EXPECT_FALSE(b.IsValid());
-    EXPECT_EQ(b.Width(), -1);
-    EXPECT_EQ(b.Height(), -1);
-    const Box cell(5, 5, 5, 5);
-    EXPECT_TRUE(cell.IsValid());
-    EXPECT_EQ(cell.Width(), 1);
-    EXPECT_EQ(cell.Center(), Location(5, 5));
-}
-
-TEST(Box, CenterTruncatesTowardZero) {
+TEST(Box, DefaultIsTheEmptyBoxAndCenterTruncatesTowardZero) {
+    EXPECT_EQ(Box(), Box(1, 1, -1, -1));
+    EXPECT_FALSE(Box().IsValid());
+    EXPECT_EQ(Box().Width(), -1);
+    EXPECT_EQ(Box().Height(), -1);
+    EXPECT_TRUE(Box(5, 5, 5, 5).IsValid());
+    EXPECT_EQ(Box(5, 5, 5, 5).Width(), 1);
+    EXPECT_EQ(Box(5, 5, 5, 5).Center(), Location(5, 5));
     EXPECT_EQ(Box(-3, -3, 0, 0).Center(), Location(-1, -1));
     EXPECT_EQ(Box(0, 0, 3, 3).Center(), Location(1, 1));
 }
 
-TEST(Box, SharedEdgeCellOverlaps) {
+TEST(Box, IntersectTestsAndOperationsIgnoreValidity) {
     const Box a(0, 0, 9, 9);
-    EXPECT_TRUE(a.IsIntersect(Box(9, 9, 20, 20)));
+    EXPECT_TRUE(a.IsIntersect(Box(9, 9, 20, 20)));  // a shared edge cell overlaps
     EXPECT_FALSE(a.IsIntersect(Box(10, 0, 20, 9)));
     EXPECT_FALSE(a.IsIntersect(Box(0, 10, 9, 20)));
-    // Validity plays no part: an inverted box meets what no comparison separates it from.
+    // An inverted box meets what no comparison separates it from.
     EXPECT_TRUE(a.IsIntersect(Box(8, 8, 2, 2)));
     EXPECT_TRUE(a.IsDisjoin(Box()));
-}
-
-TEST(Box, IntersectAndUnionDoNotSkipInvalidBoxes) {
-    EXPECT_EQ(Box(0, 0, 9, 9).Intersect(Box(20, 20, 30, 30)), Box(20, 20, 9, 9));
-    Box a;
-    a.Union(Box(10, 10, 20, 20));
-    EXPECT_EQ(a, Box(1, 1, 20, 20));
+    EXPECT_EQ(a.Intersect(Box(20, 20, 30, 30)), Box(20, 20, 9, 9));
+    Box empty;
+    empty.Union(Box(10, 10, 20, 20));
+    EXPECT_EQ(empty, Box(1, 1, 20, 20));
     Box b(10, 10, 20, 20);
     b.Union(Box());
     EXPECT_EQ(b, Box(1, 1, 20, 20));

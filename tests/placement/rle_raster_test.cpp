@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "placement/RLERaster.h"
@@ -40,36 +41,26 @@ public:
     int resizes = 0;
 };
 
-TEST(RleRaster, ConstructedWithGammaAndEvenOddAndNoCanvas) {
+TEST(RleRaster, EvenOddWithGammaAndACanvasThatFollowsTheTransform) {
     RecordingRaster r;
     EXPECT_EQ(r.Ras().fill_rule(), 1);
     EXPECT_EQ(r.Ras().gamma_table()[128], 104);
     EXPECT_EQ(r.DT(), nullptr);
-    EXPECT_EQ(r.Width(), 0u);
-    EXPECT_EQ(r.Height(), 0u);
     EXPECT_TRUE(r.Draw(1, 1, 3, 3).empty());  // a zero canvas clips everything
-}
-
-TEST(RleRaster, CanvasFollowsTheTransform) {
-    RecordingRaster r;
     CDT dt;
     dt.width = 100;
     dt.height = 50;
     r.DT(&dt);
     EXPECT_EQ(r.resizes, 1);
-    EXPECT_EQ(r.DT(), &dt);
-    EXPECT_EQ(r.Width(), 100u);
-    EXPECT_EQ(r.Height(), 50u);
+    EXPECT_EQ(std::make_pair(r.Width(), r.Height()), std::make_pair(100u, 50u));
     dt.width = (int64_t{1} << 32) + 7;
     dt.height = -1;
     CRLERaster& base = r;
     base.OnResizeConvas();
-    EXPECT_EQ(r.Width(), 7u);
-    EXPECT_EQ(r.Height(), 0xFFFFFFFFu);
+    EXPECT_EQ(std::make_pair(r.Width(), r.Height()), std::make_pair(7u, 0xFFFFFFFFu));
     base.DT(nullptr);
     EXPECT_EQ(r.resizes, 3);
-    EXPECT_EQ(r.Width(), 0x7FFFFFFFu);
-    EXPECT_EQ(r.Height(), 0x7FFFFFFFu);
+    EXPECT_EQ(std::make_pair(r.Width(), r.Height()), std::make_pair(0x7FFFFFFFu, 0x7FFFFFFFu));
 }
 
 TEST(RleRaster, RowRecordNamesTheRowAndTheSink) {

@@ -3,42 +3,32 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include "placement/Transform.h"
 
 namespace {
 
-TEST(Transform, FitsExtentToTheDeviceProportions) {
-    CDT dt;
-    FitDeviceRect(dt, 0, 0, 100, 50);
-    FitMapExtent(dt, 0, 0, 1000, 1000);
-    EXPECT_DOUBLE_EQ(dt.resolution, 20.0);
-    EXPECT_DOUBLE_EQ(dt.minX, -500.0);
-    EXPECT_DOUBLE_EQ(dt.maxX, 1500.0);
-    EXPECT_DOUBLE_EQ(dt.minY, 0.0);
-    EXPECT_DOUBLE_EQ(dt.maxY, 1000.0);
+std::vector<double> Extent(const CDT& dt) {
+    return {dt.resolution, dt.minX, dt.minY, dt.maxX, dt.maxY};
 }
 
-TEST(Transform, DeviceRectRefitsTheHeldExtent) {
+TEST(Transform, FitsExtentToTheDeviceProportionsAndRefitsOnANewRect) {
     CDT dt;
     FitDeviceRect(dt, 10, 20, 110, 70);
     FitMapExtent(dt, 0, 0, 1000, 1000);
-    FitDeviceRect(dt, 0, 0, 200, 50);  // held extent -500..1500 x 0..1000
+    EXPECT_EQ(Extent(dt), (std::vector<double>{20, -500, 0, 1500, 1000}));
+    FitDeviceRect(dt, 0, 0, 200, 50);  // refits the held extent -500..1500 x 0..1000
     EXPECT_EQ(dt.originX, 0);
     EXPECT_EQ(dt.width, 200);
-    EXPECT_DOUBLE_EQ(dt.resolution, 20.0);
-    EXPECT_DOUBLE_EQ(dt.minX, -1500.0);
-    EXPECT_DOUBLE_EQ(dt.maxX, 2500.0);
-    EXPECT_DOUBLE_EQ(dt.minY, 0.0);
-    EXPECT_DOUBLE_EQ(dt.maxY, 1000.0);
+    EXPECT_EQ(Extent(dt), (std::vector<double>{20, -1500, 0, 2500, 1000}));
 }
 
 TEST(Transform, ZeroAndWrappedSizesStoreWhatTheArithmeticGives) {
     CDT fresh;
     FitDeviceRect(fresh, 0, 0, 100, 50);
-    EXPECT_EQ(fresh.resolution, 0.0);
-    EXPECT_EQ(fresh.minX, 0.0);
-    EXPECT_EQ(fresh.maxY, 0.0);
+    EXPECT_EQ(Extent(fresh), (std::vector<double>{0, 0, 0, 0, 0}));
     CDT empty;
     FitDeviceRect(empty, 5, 5, 5, 5);
     EXPECT_TRUE(std::isnan(empty.resolution));
@@ -65,38 +55,31 @@ TEST(Transform, MapToCellTruncatesTowardZero) {
     dt.originX = 5;
     EXPECT_EQ(MapToCellX(dt, 1003), 6);
     // NaN and values outside 32 bits give the most negative int.
-    EXPECT_EQ(kxac::TruncToInt(2147483647.9), INT32_MAX);
-    EXPECT_EQ(kxac::TruncToInt(-2147483648.9), INT32_MIN);
-    EXPECT_EQ(kxac::TruncToInt(-7.9), -7);
-    EXPECT_EQ(kxac::TruncToInt(2147483648.0), INT32_MIN);
-    EXPECT_EQ(kxac::TruncToInt(-1e300), INT32_MIN);
-    EXPECT_EQ(kxac::TruncToInt(NAN), INT32_MIN);
+    const std::pair<double, int> rows[] = {
+        {2147483647.9, INT32_MAX}, {-2147483648.9, INT32_MIN}, {-7.9, -7},
+        {2147483648.0, INT32_MIN}, {-1e300, INT32_MIN},        {NAN, INT32_MIN}};
+    for (auto [v, cell] : rows)
+        EXPECT_EQ(kxac::TruncToInt(v), cell) << v;
     CDT zero;  // resolution 0: infinities and NaN
     EXPECT_EQ(MapToCellX(zero, 5), INT32_MIN);
     EXPECT_EQ(MapToCellX(zero, 0), INT32_MIN);
 }
 
-TEST(GrowBuffer, GrowsToExactlyTheLargestSize) {
+TEST(GrowBuffer, GrowsToExactlyTheLargestSizeKeepingTheBytes) {
     CGrowBuffer b;
     EXPECT_EQ(b.data, nullptr);
     ASSERT_TRUE(b.SetSize(40));
-    ASSERT_NE(b.data, nullptr);
-    EXPECT_EQ(b.size, 40u);
-    EXPECT_EQ(b.capacity, 40u);
     std::memset(b.data, 0x5A, 40);
     unsigned char* const held = b.data;
     ASSERT_TRUE(b.SetSize(8));
     EXPECT_EQ(b.data, held);
-    EXPECT_EQ(b.size, 8u);
-    EXPECT_EQ(b.capacity, 40u);
+    EXPECT_EQ(std::make_pair(b.size, b.capacity), std::make_pair(8u, 40u));
     ASSERT_TRUE(b.SetSize(100));
-    EXPECT_EQ(b.size, 100u);
-    EXPECT_EQ(b.capacity, 100u);
+    EXPECT_EQ(std::make_pair(b.size, b.capacity), std::make_pair(100u, 100u));
     for (int i = 0; i < 40; ++i)
-        ASSERT_EQ(b.data[i], 0x5A) << i;  // kept by realloc
+        ASSERT_EQ(b.data[i], 0x5A) << i;
     ASSERT_TRUE(b.SetSize(0));
-    EXPECT_EQ(b.size, 0u);
-    EXPECT_EQ(b.capacity, 100u);
+    EXPECT_EQ(std::make_pair(b.size, b.capacity), std::make_pair(0u, 100u));
 }
 
 }  // namespace

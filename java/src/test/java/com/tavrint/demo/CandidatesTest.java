@@ -1,7 +1,7 @@
 package com.tavrint.demo;
 
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import com.tavrint.demo.Candidates.Position;
@@ -12,36 +12,20 @@ import org.junit.jupiter.api.Test;
 
 class CandidatesTest {
     @Test
-    void firstCandidateIsTheBaseAndStandsRightOfThePoint() {
+    void firstCandidateStandsRightOfThePointUnlessAtTheRightEdge() {
         Candidates c = Candidates.around(100.0, 50.0, 4.0, 30, 12, 400, 200);
         assertEquals(Position.RIGHT, c.position(0));
-        assertEquals(0, c.dx(0));
-        assertEquals(0, c.dy(0));
-        assertEquals(104, c.left(0));
-        assertEquals(44, c.top(0));
+        assertArrayEquals(new int[] {0, 0, 104, 44}, new int[] {c.dx(0), c.dy(0), c.left(0), c.top(0)});
         assertEquals(Position.values().length, c.size());
-    }
-
-    @Test
-    void boxesKeepTheClearanceFromThePointOnTheirSide() {
-        double px = 200.0;
-        double py = 100.0;
-        double clearance = 5.0;
-        int w = 40;
-        int h = 14;
-        Candidates c = Candidates.around(px, py, clearance, w, h, 1000, 1000);
-        for (int i = 0; i < c.size(); i++) {
-            int l = c.left(i);
-            int t = c.top(i);
-            switch (c.position(i)) {
-                case LEFT -> assertEquals(px - clearance, l + w, 1.0);
-                case ABOVE -> assertEquals(py - clearance, t + h, 1.0);
-                case BELOW -> assertEquals(py + clearance, t, 1.0);
-                default -> { }
-            }
-            // No candidate box holds the point itself.
-            assertFalse(l <= px && px < l + w && t <= py && py < t + h, c.position(i).name());
+        Candidates edge = Candidates.around(395.0, 100.0, 3.0, 30, 10, 400, 200);
+        assertEquals(Position.LEFT, edge.position(0));
+        for (int i = 0; i < edge.size(); i++) {
+            Position p = edge.position(i);
+            assertTrue(p.name().contains("LEFT") || p == Position.ABOVE || p == Position.BELOW);
         }
+        Candidates none = Candidates.around(50.0, 50.0, 3.0, 120, 10, 100, 100);
+        assertTrue(none.isEmpty(), "a label wider than the canvas has no candidate");
+        assertEquals(-1, none.indexOfDx(0));
     }
 
     @Test
@@ -77,22 +61,5 @@ class CandidatesTest {
             case UPPER_RIGHT, LOWER_RIGHT -> px + diag;
             case UPPER_LEFT, LOWER_LEFT -> px - diag - w;
         };
-    }
-
-    @Test
-    void labelWiderThanTheCanvasHasNoCandidate() {
-        Candidates c = Candidates.around(50.0, 50.0, 3.0, 120, 10, 100, 100);
-        assertTrue(c.isEmpty());
-        assertEquals(-1, c.indexOfDx(0));
-    }
-
-    @Test
-    void pointAtTheRightEdgeStartsWithTheLeftCandidate() {
-        Candidates c = Candidates.around(395.0, 100.0, 3.0, 30, 10, 400, 200);
-        assertEquals(Position.LEFT, c.position(0));
-        for (int i = 0; i < c.size(); i++) {
-            assertTrue(c.position(i).name().contains("LEFT") || c.position(i) == Position.ABOVE
-                    || c.position(i) == Position.BELOW);
-        }
     }
 }

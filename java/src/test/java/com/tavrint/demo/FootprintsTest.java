@@ -12,27 +12,26 @@ import org.junit.jupiter.api.Test;
 
 class FootprintsTest {
     @Test
-    void rectangleRingRunsAlongTheOuterEdgesOfTheCornerCells() {
+    void ringsRunAlongTheOuterEdgesAndCanvasTestIsInclusive() {
         assertArrayEquals(new int[] {2, 3, 6, 3, 6, 5, 2, 5}, Footprints.rectangleRing(2, 3, 5, 4));
+        // Octagon of radius 3 about cell (10, 20): cells 7..13 and 17..23.
+        assertArrayEquals(new int[] {7, 17, 14, 24}, bounds(Footprints.octagonRing(10, 20, 3)));
+        assertTrue(Footprints.touchesCanvas(new int[] {-10, -10, 0, 0}, 100, 50));
+        assertTrue(Footprints.touchesCanvas(new int[] {99, 49, 150, 80}, 100, 50));
+        assertFalse(Footprints.touchesCanvas(new int[] {100, 0, 150, 20}, 100, 50));
+        assertFalse(Footprints.touchesCanvas(new int[] {-5, -20, 200, -1}, 100, 50));
+        assertTrue(Footprints.touchesCanvas(new int[] {-10, 25, 110, 25}, 100, 50), "crossing");
     }
 
-    @Test
-    void octagonReachesTheRadiusOnEverySide() {
-        int[] ring = Footprints.octagonRing(10, 20, 3);
-        assertEquals(16, ring.length);
-        int minX = Integer.MAX_VALUE, maxX = Integer.MIN_VALUE;
-        int minY = Integer.MAX_VALUE, maxY = Integer.MIN_VALUE;
-        for (int i = 0; i < ring.length; i += 2) {
-            minX = Math.min(minX, ring[i]);
-            maxX = Math.max(maxX, ring[i]);
-            minY = Math.min(minY, ring[i + 1]);
-            maxY = Math.max(maxY, ring[i + 1]);
+    private static int[] bounds(int[] xy) {
+        int[] b = {Integer.MAX_VALUE, Integer.MAX_VALUE, Integer.MIN_VALUE, Integer.MIN_VALUE};
+        for (int i = 0; i < xy.length; i += 2) {
+            b[0] = Math.min(b[0], xy[i]);
+            b[1] = Math.min(b[1], xy[i + 1]);
+            b[2] = Math.max(b[2], xy[i]);
+            b[3] = Math.max(b[3], xy[i + 1]);
         }
-        // Cells 7..13 and 17..23: three cells out from the centre cell on each side.
-        assertEquals(7, minX);
-        assertEquals(14, maxX);
-        assertEquals(17, minY);
-        assertEquals(24, maxY);
+        return b;
     }
 
     @Test
@@ -42,8 +41,7 @@ class FootprintsTest {
         for (int round = 0; round < 500; round++) {
             int n = 2 + rng.nextInt(60);
             int[] xy = new int[2 * n];
-            int x = 0;
-            int y = 0;
+            int x = 0, y = 0;
             for (int i = 0; i < n; i++) {
                 // Small steps with repeats, now and then a long jump, every 50th round none.
                 int step = round % 50 == 0 ? 0 : rng.nextInt(10) == 0 ? 200 : 12;
@@ -68,32 +66,14 @@ class FootprintsTest {
                     assertEquals(rebuilt.get(rebuilt.size() - 1), p[1], where);
                 }
                 for (int i = rebuilt.isEmpty() ? 0 : 2; i < p.length; i++) rebuilt.add(p[i]);
-                int minX = Integer.MAX_VALUE, maxX = Integer.MIN_VALUE;
-                int minY = Integer.MAX_VALUE, maxY = Integer.MIN_VALUE;
-                for (int i = 0; i < p.length; i += 2) {
-                    if (i >= 2) {
-                        assertFalse(p[i] == p[i - 2] && p[i + 1] == p[i - 1], "zero length, " + where);
-                    }
-                    minX = Math.min(minX, p[i]);
-                    maxX = Math.max(maxX, p[i]);
-                    minY = Math.min(minY, p[i + 1]);
-                    maxY = Math.max(maxY, p[i + 1]);
+                for (int i = 2; i < p.length; i += 2) {
+                    assertFalse(p[i] == p[i - 2] && p[i + 1] == p[i - 1], "zero length, " + where);
                 }
-                boolean oneSegment = p.length == 4;
-                assertTrue(oneSegment || (maxX - minX <= span && maxY - minY <= span), where);
+                int[] b = bounds(p);
+                assertTrue(p.length == 4 || (b[2] - b[0] <= span && b[3] - b[1] <= span), where);
             }
             assertArrayEquals(expected, rebuilt.stream().mapToInt(Integer::intValue).toArray(),
                     where);
         }
-    }
-
-    @Test
-    void canvasTestIsInclusiveOfTheEdgeCells() {
-        assertTrue(Footprints.touchesCanvas(new int[] {-10, -10, 0, 0}, 100, 50));
-        assertTrue(Footprints.touchesCanvas(new int[] {99, 49, 150, 80}, 100, 50));
-        assertFalse(Footprints.touchesCanvas(new int[] {100, 0, 150, 20}, 100, 50));
-        assertFalse(Footprints.touchesCanvas(new int[] {-5, -20, 200, -1}, 100, 50));
-        // A line crossing the canvas with both ends outside it.
-        assertTrue(Footprints.touchesCanvas(new int[] {-10, 25, 110, 25}, 100, 50));
     }
 }

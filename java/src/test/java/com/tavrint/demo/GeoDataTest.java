@@ -12,6 +12,8 @@ import java.io.IOException;
 import java.io.StringReader;
 import java.util.List;
 import org.junit.jupiter.api.Test;
+import org.junit.jupiter.params.ParameterizedTest;
+import org.junit.jupiter.params.provider.CsvSource;
 
 class GeoDataTest {
     private static BufferedReader text(String s) {
@@ -19,33 +21,12 @@ class GeoDataTest {
     }
 
     @Test
-    void citiesKeepTheirFieldsAndSkipTheHeader() throws IOException {
-        List<City> cities = GeoData.parseCities(text(
-                "name\tlon\tlat\tpopulation\tcountry\n"
-                        + "Saint-Étienne\t4.390000\t45.433330\t171483\tFR\n"
-                        + "Hamlet\t-0.500000\t-1.250000\t0\tGB\n"));
-        assertEquals(2, cities.size());
-        City c = cities.get(0);
-        assertEquals("Saint-Étienne", c.name());
-        assertEquals(4.39, c.lon());
-        assertEquals(45.43333, c.lat());
-        assertEquals(171483L, c.population());
-        assertEquals("FR", c.country());
-        assertEquals(-1.25, cities.get(1).lat());
-    }
-
-    @Test
-    void malformedCityLineNamesItsLineNumber() {
-        IOException e = assertThrows(IOException.class, () -> GeoData.parseCities(
-                text("header\nA\t1\t2\t3\tXX\nB\tone\t2\t3\tXX\n")));
-        assertTrue(e.getMessage().startsWith("line 3"), e.getMessage());
-        e = assertThrows(IOException.class,
-                () -> GeoData.parseCities(text("header\nA\t1\t2\t3\n")));
-        assertTrue(e.getMessage().startsWith("line 2"), e.getMessage());
-    }
-
-    @Test
-    void polylinesKeepTheirVerticesInOrder() throws IOException {
+    void citiesAndPolylinesKeepTheirFieldsAndSkipTheHeader() throws IOException {
+        List<City> cities = GeoData.parseCities(text("name\tlon\tlat\tpopulation\tcountry\n"
+                + "Saint-Étienne\t4.390000\t45.433330\t171483\tFR\n"
+                + "Hamlet\t-0.500000\t-1.250000\t0\tGB\n"));
+        assertEquals(List.of(new City("Saint-Étienne", 4.39, 45.43333, 171483L, "FR"),
+                new City("Hamlet", -0.5, -1.25, 0L, "GB")), cities);
         List<Polyline> lines = GeoData.parsePolylines(text("id\tvertices\n"
                 + "0\t1.5,2.5 3.0,4.0\n"
                 + "1\t0.0,0.0 1.0,0.0 1.0,1.0 0.0,0.0\n" + "2\t1.0,2.0\n"));
@@ -54,11 +35,19 @@ class GeoDataTest {
         assertArrayEquals(new double[] {0, 0, 1, 0, 1, 1, 0, 0}, lines.get(1).lonLat());
     }
 
-    @Test
-    void malformedVertexFails() {
+    @ParameterizedTest
+    @CsvSource(delimiter = '|', value = {"header\\nA\\t1\\t2\\t3\\tXX\\nB\\tone\\t2\\t3\\tXX\\n|line 3",
+        "header\\nA\\t1\\t2\\t3\\n|line 2"})
+    void malformedCityLineNamesItsLineNumber(String input, String line) {
+        String data = input.replace("\\n", "\n").replace("\\t", "\t");
+        IOException e = assertThrows(IOException.class, () -> GeoData.parseCities(text(data)));
+        assertTrue(e.getMessage().startsWith(line), e.getMessage());
+    }
+
+    @ParameterizedTest
+    @CsvSource(delimiter = '|', value = {"1.0;2.0 3,4", "1.0,x 3,4"})
+    void malformedVertexFails(String vertices) {
         assertThrows(IOException.class,
-                () -> GeoData.parsePolylines(text("id\tvertices\n0\t1.0;2.0 3,4\n")));
-        assertThrows(IOException.class,
-                () -> GeoData.parsePolylines(text("id\tvertices\n0\t1.0,x 3,4\n")));
+                () -> GeoData.parsePolylines(text("id\tvertices\n0\t" + vertices + "\n")));
     }
 }

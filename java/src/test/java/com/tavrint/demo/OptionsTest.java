@@ -8,45 +8,35 @@ import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.nio.file.Path;
 import org.junit.jupiter.api.Test;
+import org.junit.jupiter.params.ParameterizedTest;
+import org.junit.jupiter.params.provider.ValueSource;
 
 class OptionsTest {
     @Test
-    void everyOptionIsRead() {
+    void everyOptionIsReadAndDefaultsDrawEuropeWithTheCoastDrawnOnly() {
         Options o = Options.parse("--width", "800", "--height", "600", "--window", "1,2,3,4",
                 "--cities", "50", "--spacing", "7", "--out", "x/y.png", "--show-rejected",
                 "--data", "d", "--coast", "obstacle");
-        assertEquals(800, o.width());
-        assertEquals(600, o.height());
+        assertArrayEquals(new int[] {800, 600, 50, 7},
+                new int[] {o.width(), o.height(), o.cities(), o.spacing()});
         assertArrayEquals(new double[] {1, 2, 3, 4}, o.window());
-        assertEquals(50, o.cities());
-        assertEquals(7, o.spacing());
         assertEquals(Path.of("x/y.png"), o.out());
-        assertTrue(o.showRejected());
         assertEquals(Path.of("d"), o.dataDir());
-        assertTrue(o.coastAsObstacle());
+        assertTrue(o.showRejected() && o.coastAsObstacle());
+        Options d = Options.parse();
+        assertArrayEquals(new int[] {2000, 1400}, new int[] {d.width(), d.height()});
+        assertFalse(d.coastAsObstacle() || d.showRejected());
+        assertEquals(Path.of("out", "demo.png"), d.out());
     }
 
-    @Test
-    void defaultsDrawEuropeWithTheCoastDrawnOnly() {
-        Options o = Options.parse();
-        assertEquals(2000, o.width());
-        assertEquals(1400, o.height());
-        assertFalse(o.coastAsObstacle());
-        assertFalse(o.showRejected());
-        assertEquals(Path.of("out", "demo.png"), o.out());
-    }
-
-    @Test
-    void badValuesAreRefusedWithTheOptionNamed() {
-        String[][] bad = {
-            {"--width"}, {"--width", "0"}, {"--width", "ten"}, {"--height", "10001"},
-            {"--window", "1,2,3"}, {"--window", "3,2,1,4"}, {"--window", "0,0,200,10"},
-            {"--coast", "maybe"}, {"--colour", "red"}, {"--cities", "-1"}, {"--spacing", "x"},
-        };
-        for (String[] args : bad) {
-            IllegalArgumentException e =
-                    assertThrows(IllegalArgumentException.class, () -> Options.parse(args));
-            assertTrue(e.getMessage().contains(args[0]), e.getMessage());
-        }
+    @ParameterizedTest
+    @ValueSource(strings = {"--width", "--width 0", "--width ten", "--height 10001",
+        "--window 1,2,3", "--window 3,2,1,4", "--window 0,0,200,10", "--coast maybe",
+        "--colour red", "--cities -1", "--spacing x"})
+    void badValuesAreRefusedWithTheOptionNamed(String line) {
+        String[] args = line.split(" ");
+        IllegalArgumentException e =
+                assertThrows(IllegalArgumentException.class, () -> Options.parse(args));
+        assertTrue(e.getMessage().contains(args[0]), e.getMessage());
     }
 }

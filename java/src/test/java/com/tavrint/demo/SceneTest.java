@@ -6,6 +6,7 @@ import static org.junit.jupiter.api.Assertions.assertTrue;
 import com.tavrint.demo.GeoData.City;
 import com.tavrint.demo.GeoData.Polyline;
 import com.tavrint.demo.Scene.Label;
+import java.util.ArrayList;
 import java.util.List;
 import java.util.Random;
 import org.junit.jupiter.api.Test;
@@ -35,7 +36,7 @@ class SceneTest {
     void keptCitiesRespectEveryRoomTakenBeforeThem() {
         long seed = 99L;
         Random rng = new Random(seed);
-        List<City> cities = new java.util.ArrayList<>();
+        List<City> cities = new ArrayList<>();
         for (int i = 0; i < 400; i++) {
             cities.add(city("C" + i, rng.nextDouble() * 12 - 1, rng.nextDouble() * 6 - 3,
                     3_000_000L >> rng.nextInt(10)));
@@ -58,23 +59,16 @@ class SceneTest {
     }
 
     @Test
-    void cityCountIsCappedAndOffCanvasCitiesSkipped() {
+    void cityCountIsCappedAndOffCanvasCitiesAndLinesDroppedAndLongLinesCut() {
         List<City> cities = List.of(city("Out", -5, 0, 900), city("A", 1, 0, 800),
                 city("B", 3, 0, 700), city("C", 7, 0, 600));
-        Scene s = Scene.build(CANVAS, cities, List.of(), List.of(), 2, 5);
-        assertEquals(List.of("A", "B"), names(s));
-    }
-
-    @Test
-    void linesOffTheCanvasAreDroppedAndLongOnesCut() {
+        assertEquals(List.of("A", "B"), names(Scene.build(CANVAS, cities, List.of(), List.of(), 2, 5)));
         Polyline off = new Polyline(new double[] {20, 0, 21, 1});
         Polyline across = new Polyline(new double[] {-1, 0, 11, 0});
-        Scene s = Scene.build(CANVAS, List.of(), List.of(off, across), List.of(across), 0, 5);
-        assertEquals(1, s.borderLines().size());
-        assertEquals(1, s.coastLines().size());
-        // A single segment is never cut, however long.
-        assertEquals(1, s.borderPieces().size());
         Polyline wiggly = new Polyline(new double[] {1, 0, 2, 0.1, 3, 0, 4, 0.1, 5, 0});
+        Scene s = Scene.build(CANVAS, List.of(), List.of(off, across), List.of(across), 0, 5);
+        assertEquals(List.of(1, 1, 1), List.of(s.borderLines().size(), s.coastLines().size(),
+                s.borderPieces().size()), "a single segment is never cut, however long");
         s = Scene.build(CANVAS, List.of(), List.of(wiggly), List.of(), 0, 5);
         assertEquals(4, s.borderPieces().size());
     }

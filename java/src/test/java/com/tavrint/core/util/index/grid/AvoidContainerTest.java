@@ -8,6 +8,7 @@ import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.util.List;
 import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.function.Executable;
 
 /** The handle-free layer: a whole pass, and misuse turned into exceptions. */
 class AvoidContainerTest {
@@ -66,35 +67,27 @@ class AvoidContainerTest {
         }
     }
 
-    @Test
-    void objectsAreFilledOnlyBeforeTheyAreAdded() {
-        try (AvoidContainer container = canvas()) {
-            AvoidObject placed = label(container, "a", 0, 0);
-            placed.add();
-            assertThrows(IllegalStateException.class, placed::add);
-            assertThrows(IllegalStateException.class, placed::addForced);
-            assertThrows(IllegalStateException.class, () -> placed.addBox(0, 0, 1, 1));
-            assertThrows(IllegalStateException.class, () -> placed.addOffset(1, 1));
-            assertThrows(IllegalStateException.class, placed::clearOffsets);
-            assertThrows(IllegalStateException.class, placed::reset);
-            placed.setId(9).setStringId("renamed");
-            assertEquals("renamed", placed.stringId());
-
-            AvoidObject fresh = container.newObject();
-            assertThrows(IllegalArgumentException.class, () -> fresh.addRing(0, 0, 5));
-            assertThrows(NullPointerException.class, () -> fresh.addLine(null, 1));
+    private static void assertAllThrow(Class<? extends Throwable> type, Executable... calls) {
+        for (Executable call : calls) {
+            assertThrows(type, call);
         }
     }
 
     @Test
-    void recycledObjectIsUnusableAndStopsBlocking() {
+    void objectsAreFilledOnlyBeforeTheyAreAddedAndRecycledOnesAreUnusable() {
         try (AvoidContainer container = canvas()) {
-            AvoidObject first = label(container, "first", 30, 30);
-            first.add();
-            first.recycle();
-            assertThrows(IllegalStateException.class, first::recycle);
-            assertThrows(IllegalStateException.class, first::id);
-            assertTrue(label(container, "second", 30, 30).add());
+            AvoidObject placed = label(container, "a", 0, 0);
+            placed.add();
+            assertAllThrow(IllegalStateException.class, placed::add, placed::addForced,
+                    () -> placed.addBox(0, 0, 1, 1), () -> placed.addOffset(1, 1),
+                    placed::clearOffsets, placed::reset);
+            assertEquals("renamed", placed.setId(9).setStringId("renamed").stringId());
+            AvoidObject fresh = container.newObject();
+            assertThrows(IllegalArgumentException.class, () -> fresh.addRing(0, 0, 5));
+            assertThrows(NullPointerException.class, () -> fresh.addLine(null, 1));
+            placed.recycle();
+            assertAllThrow(IllegalStateException.class, placed::recycle, placed::id);
+            assertTrue(label(container, "second", 0, 0).add(), "the recycled one stopped blocking");
         }
     }
 
@@ -107,12 +100,9 @@ class AvoidContainerTest {
         container.close();
         container.close();
         assertTrue(container.isClosed());
-        assertThrows(IllegalStateException.class, container::newObject);
-        assertThrows(IllegalStateException.class, container::placed);
-        assertThrows(IllegalStateException.class, container::reset);
-        assertThrows(IllegalStateException.class, () -> container.setDeviceRect(0, 0, 1, 1));
-        assertThrows(IllegalStateException.class, added::placedState);
-        assertThrows(IllegalStateException.class, () -> notAdded.setId(1));
+        assertAllThrow(IllegalStateException.class, container::newObject, container::placed,
+                container::reset, () -> container.setDeviceRect(0, 0, 1, 1), added::placedState,
+                () -> notAdded.setId(1));
     }
 
     @Test

@@ -45,17 +45,14 @@ class PlacementPassTest {
 
     @Test
     void labelsAndLinesArePlacedAsTheCellModelPredicts() {
+        List<RandomPass> passes = passes(20240, 30, 40);
+        List<RandomPass.Outcome> outcomes = runAll(passes);
         int placed = 0, unplaced = 0;
-        for (RandomPass pass : passes(20240, 30, 40)) {
-            long c = newContainer();
-            try {
-                RandomPass.Outcome expected = pass.expected();
-                assertEquals(expected, pass.run(c), "seed " + pass.seed);
-                placed += expected.placed().size();
-                unplaced += expected.unplaced().size();
-            } finally {
-                CAvoidContainerWrap.DestroyAvoidContainer(c);
-            }
+        for (int i = 0; i < passes.size(); i++) {
+            RandomPass.Outcome expected = passes.get(i).expected();
+            assertEquals(expected, outcomes.get(i), "seed " + passes.get(i).seed);
+            placed += expected.placed().size();
+            unplaced += expected.unplaced().size();
         }
         assertTrue(placed > 100 && unplaced > 100, "passes exercise both outcomes");
     }
@@ -73,22 +70,18 @@ class PlacementPassTest {
             for (int i = 0; i < 1000; i++) {
                 RandomPass pass = distinct.get(i % distinct.size());
                 assertEquals(expected.get(i % distinct.size()), pass.run(c), "pass " + i);
-                collect(CAvoidContainerWrap.AllPlacedObject(c), handles);
-                collect(CAvoidContainerWrap.AllUnPlacedObject(c), handles);
+                for (long[] list : new long[][] {CAvoidContainerWrap.AllPlacedObject(c),
+                    CAvoidContainerWrap.AllUnPlacedObject(c)}) {
+                    for (long h : list == null ? new long[0] : list) {
+                        handles.add(h);
+                    }
+                }
                 CAvoidContainerWrap.ResetAvoidContainer(c);
             }
         } finally {
             CAvoidContainerWrap.DestroyAvoidContainer(c);
         }
         assertEquals(25, handles.size(), "every pass reuses the objects of the first");
-    }
-
-    private static void collect(long[] from, Set<Long> into) {
-        if (from != null) {
-            for (long h : from) {
-                into.add(h);
-            }
-        }
     }
 
     @Test

@@ -114,12 +114,7 @@ final class RandomPass {
     }
 
     private static boolean hits(Set<Long> occupied, Set<Long> cells, int[] offset) {
-        for (long c : cells) {
-            if (occupied.contains(shift(c, offset))) {
-                return true;
-            }
-        }
-        return false;
+        return cells.stream().anyMatch(c -> occupied.contains(shift(c, offset)));
     }
 
     private static long shift(long cell, int[] offset) {
@@ -159,10 +154,8 @@ final class RandomPass {
     }
 
     private static void ids(long[] handles, List<Long> into) {
-        if (handles != null) {
-            for (long h : handles) {
-                into.add(CAvoidContainerWrap.AvoidObject_GetID(h));
-            }
+        for (long h : handles == null ? new long[0] : handles) {
+            into.add(CAvoidContainerWrap.AvoidObject_GetID(h));
         }
     }
 }
