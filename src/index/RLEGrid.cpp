@@ -76,12 +76,6 @@ RLERows::iterator CRLEIndexQuery::Row(int row, bool create) {
     return RLERows::begin();
 }
 
-const RLERowRuns* CRLEIndexQuery::RowRuns(int row) const {
-    const long long offset = static_cast<long long>(row) - m_startRow;
-    if (offset < 0 || offset >= static_cast<long long>(RLERows::size())) return nullptr;
-    return &RLERows::operator[](static_cast<size_t>(offset));
-}
-
 bool CRLEIndexQuery::IsExist(int row, int col) const {
     if (RLERows::empty()) return false;
     // The row handle needs mutable positions; nothing is changed through it here.

@@ -11,6 +11,7 @@
 // span may leave repeated runs at the tail of the row. Every reader works with such rows.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -164,7 +165,11 @@ public:
     // (invalidating earlier positions). Without create, EmptyRow() for a row outside the band.
     RLERows::iterator Row(int row, bool create);
     // Runs of a stored row, or null for a row outside the band.
-    const RLERowRuns* RowRuns(int row) const;
+    const RLERowRuns* RowRuns(int row) const {
+        const long long offset = static_cast<long long>(row) - m_startRow;
+        if (offset < 0 || offset >= static_cast<long long>(RLERows::size())) return nullptr;
+        return &RLERows::operator[](static_cast<size_t>(offset));
+    }
 
     bool IsExist(int row, int col) const;
     // False when level is not this grid's level.

@@ -2,7 +2,7 @@
 #include "placement/AvoidContainer.h"
 
 #include <algorithm>
-#include <unordered_set>
+#include <vector>
 
 CAvoidContainer::CAvoidContainer() = default;
 
@@ -11,11 +11,19 @@ CAvoidContainer::~CAvoidContainer() { CAvoidContainer::Destroy(); }
 void CAvoidContainer::Reset() {
     if (!m_placed.empty()) ++m_placedRemovals;
     for (std::list<CAvoidObject*>* list : {&m_placed, &m_unplaced}) {
-        while (!list->empty()) {
-            m_pool.push(list->front());
-            list->pop_front();
-        }
+        for (CAvoidObject* obj : *list)
+            m_pool.push(obj);
+        m_spareNodes.splice(m_spareNodes.end(), *list);
     }
+}
+
+void CAvoidContainer::Append(std::list<CAvoidObject*>& list, CAvoidObject* obj) {
+    if (m_spareNodes.empty()) {
+        list.push_back(obj);
+        return;
+    }
+    m_spareNodes.front() = obj;
+    list.splice(list.end(), m_spareNodes, m_spareNodes.begin());
 }
 
 CAvoidObject* CAvoidContainer::NewObject() {
@@ -50,19 +58,24 @@ void CAvoidContainer::Recycle(CAvoidObject* obj) {
     const auto it = std::find(list->begin(), list->end(), obj);
     if (it == list->end()) return;
     if (list == &m_placed) ++m_placedRemovals;
-    list->erase(it);
+    m_spareNodes.splice(m_spareNodes.end(), *list, it);
     m_pool.push(obj);
 }
 
 void CAvoidContainer::Destroy() {
     Reset();
     // An object added or recycled twice stands in the pool twice: it is deleted once.
-    std::unordered_set<CAvoidObject*> deleted;
+    std::vector<CAvoidObject*> pooled;
+    pooled.reserve(m_pool.size());
     while (!m_pool.empty()) {
-        CAvoidObject* obj = m_pool.front();
+        pooled.push_back(m_pool.front());
         m_pool.pop();
-        if (obj != nullptr && deleted.insert(obj).second) delete obj;
     }
+    std::sort(pooled.begin(), pooled.end());
+    pooled.erase(std::unique(pooled.begin(), pooled.end()), pooled.end());
+    for (CAvoidObject* obj : pooled)
+        delete obj;
+    m_spareNodes.clear();
 }
 
 // The index lets go of the objects before the base class deletes them.
@@ -70,6 +83,7 @@ CPriorityAvoidContainer::~CPriorityAvoidContainer() = default;
 
 bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
     if (obj == nullptr) return true;
+    m_index.Cover(DT()->width, DT()->height);
     SyncIndex();
     if (force) {
         Place(obj);
@@ -89,7 +103,7 @@ bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
         }
     }
     obj->OffsetIterator(offsets.begin());
-    m_unplaced.push_back(obj);
+    Append(m_unplaced, obj);
     return true;
 }
 
@@ -101,7 +115,7 @@ void CPriorityAvoidContainer::Reset() {
 
 void CPriorityAvoidContainer::Place(CAvoidObject* obj) {
     obj->PlacedState(CAvoidObject::kPlaced);
-    m_placed.push_back(obj);
+    Append(m_placed, obj);
     m_index.Insert(obj);
 }
 
@@ -128,7 +142,7 @@ bool CPriorityAvoidContainer::TakePalce(CAvoidObject* obj, std::vector<CAvoidObj
     for (CAvoidObject* placed : candidates) {
         if (placed->IsIntersect(obj)) return false;
     }
-    m_placed.push_back(obj);
+    Append(m_placed, obj);
     obj->PlacedState(CAvoidObject::kPlaced);
     return true;
 }

@@ -25,6 +25,24 @@
 #include "placement/Transform.h"
 #include "stdafx.h"
 
+namespace kxac {
+// The fields of an avoid object that every collision test reads. Kept in a base of their own so
+// that they lie next to the object's grid, ahead of its raster: a test of a placed object then
+// touches the start of the object only.
+struct AvoidObjectFields {
+    enum class Regularity : unsigned char { kUnknown, kRegular, kIrregular };
+
+    std::vector<Box> m_boxes;
+    std::vector<Location> m_offsets;
+    size_t m_position = 0;
+    // Nothing ever grows it: it keeps MaxExtent's widening toward cell (1, 1).
+    Box m_declaredExtent;
+    Box m_runExtent;
+    // Whether the run ends of every row are non-decreasing; known until the grid changes.
+    mutable Regularity m_regularity = Regularity::kUnknown;
+};
+}  // namespace kxac
+
 // One object to be placed. Its footprint never moves: every test shifts it by the current offset
 // at the moment of the test.
 //
@@ -45,7 +63,9 @@
 // rounding of the clipped vertices to subpixels at the window's edge. The window reaches at most
 // 32,000 cells into the raster: on a larger canvas, cells beyond that come only from shapes
 // inside the range.
-class KXAC_API CAvoidObject : private CRLEIndexCreate, private CRLERaster {
+class KXAC_API CAvoidObject : private kxac::AvoidObjectFields,
+                              private CRLEIndexCreate,
+                              private CRLERaster {
 public:
     // State 0: not added since the last Reset; 1: placed; 2: not placed.
     enum : int { kNotAdded = 0, kPlaced = 1, kNotPlaced = 2 };
@@ -72,7 +92,9 @@ public:
     void OffsetIterator(std::vector<Location>::iterator position);
     // The offset at the current position; (0, 0) when the position lies past the end (an object
     // never reset, or one whose offsets were cleared behind the position).
-    Location Offset() const;
+    Location Offset() const {
+        return m_position < m_offsets.size() ? m_offsets[m_position] : Location();
+    }
     // Offsets back to the single (0, 0); the current position is not moved.
     void ClearOffset();
 
@@ -105,9 +127,13 @@ public:
     // Run extent := (StartCol, StartRow, EndCol, EndRow) of the grid; invalid for an empty grid.
     void RecordMaxRLE();
     // The run extent shifted by the current offset.
-    Box RLEMaxExtent() const;
+    Box RLEMaxExtent() const { return m_runExtent.Offset(Offset()); }
     // The empty box united with the run extent, shifted by the current offset.
-    Box MaxExtent() const;
+    Box MaxExtent() const {
+        Box extent = m_declaredExtent;
+        extent.Union(m_runExtent);
+        return extent.Offset(Offset());
+    }
     bool IsValid() const { return MaxExtent().IsValid(); }
 
     CDT* DT() override;
@@ -157,21 +183,20 @@ private:
     bool RunsMeet(CAvoidObject* o) const;
     // Whether the run ends of every row are non-decreasing; cached until the grid changes.
     bool RowsRegular() const;
+    // Empties the grid, keeping the row vectors' memory in m_spareRows for the next footprint.
+    void RecycleRows();
+    // The stored rows, from the start row; valid until the grid changes.
+    const RLERowRuns* RowData() const { return RLERows::data(); }
 
-    std::vector<Box> m_boxes;
-    std::vector<Location> m_offsets;
-    size_t m_position = 0;
-    // Nothing ever grows it: it keeps MaxExtent's widening toward cell (1, 1).
-    Box m_declaredExtent;
-    Box m_runExtent;
     long long m_id = 0;
     std::string m_stringId;
     int m_state = kNotAdded;
     // Scratch of the polygon being drawn and of its clipping; reused, only grows.
     std::vector<double> m_polygon;
     std::vector<double> m_clipped;
-    enum class Regularity : unsigned char { kUnknown, kRegular, kIrregular };
-    mutable Regularity m_regularity = Regularity::kUnknown;
+    // Emptied row vectors with their capacity, handed to rows that AddRLE makes. Bounded in
+    // number and size, so that one large footprint does not pin its memory to a pooled object.
+    RLERows m_spareRows;
     // The index of placed objects that files this object, or null.
     CPlacedIndex* m_watcher = nullptr;
 };
@@ -210,6 +235,10 @@ private:
     std::queue<CAvoidObject*, std::deque<CAvoidObject*>> m_pool;
 
 protected:
+    // Appends obj at the back of list (m_placed or m_unplaced) in a node that Reset or Recycle
+    // freed, so that a pass of a reused container allocates no list nodes.
+    void Append(std::list<CAvoidObject*>& list, CAvoidObject* obj);
+
     std::list<CAvoidObject*> m_placed;
     std::list<CAvoidObject*> m_unplaced;
     // Counts the removals from m_placed, so that derived containers can tell when what they
@@ -218,6 +247,8 @@ protected:
 
 private:
     CDT m_dt;
+    // Nodes taken off the lists, for Append; their values mean nothing.
+    std::list<CAvoidObject*> m_spareNodes;
 };
 
 // Greedy placement in the order of adding: an earlier object always wins.

@@ -1,10 +1,9 @@
 // The avoid object: identity, state, offsets, extents and the footprint collision tests.
 #include <algorithm>
-#include <climits>
 #include <cstdint>
-#include <iterator>
 
 #include "placement/AvoidContainer.h"
+#include "placement/RowMerge.h"
 
 namespace {
 
@@ -56,6 +55,11 @@ bool QuarterSearch(const CRLEIndexQuery& g, const Box& b) {
     return false;
 }
 
+// Row vectors kept by an object for its next footprint: at most this many, of at most this
+// many runs each.
+constexpr size_t kMaxSpareRows = 256;
+constexpr size_t kMaxSpareRuns = 64;
+
 // Offsets and run extents within this bound keep every shifted coordinate of a run test inside
 // 32 bits, so canvas and grid cells correspond without wrapping.
 constexpr int kTameLimit = 1 << 29;
@@ -63,61 +67,6 @@ constexpr int kTameLimit = 1 << 29;
 bool Tame(int v) { return v >= -kTameLimit && v <= kTameLimit; }
 bool Tame(const Location& l) { return Tame(l.x) && Tame(l.y); }
 bool Tame(const Box& b) { return Tame(b.left) && Tame(b.top) && Tame(b.right) && Tame(b.bottom); }
-
-// The occupied cells of a row whose run ends are non-decreasing, shifted by a column offset, as
-// ordered disjoint intervals. A cell is occupied when the first run ending at or after it starts
-// at or before it, so run i holds the cells after the end of run i - 1 up to its own end.
-class RowCells {
-public:
-    // Starts at the first interval that can reach column `from`.
-    RowCells(const RLERowRuns& runs, int shift, long long from)
-        : m_end(runs.end()), m_shift(shift) {
-        m_run = std::lower_bound(runs.begin(), runs.end(), from - shift,
-                                 [](const RLE& r, long long c) { return r.end < c; });
-        m_prevEnd = m_run == runs.begin() ? LLONG_MIN / 2 : std::prev(m_run)->end;
-    }
-    // The next non-empty interval [lo, hi] in canvas columns; false at the end of the row.
-    bool Next(long long& lo, long long& hi) {
-        while (m_run != m_end) {
-            const long long first = std::max<long long>(m_run->start, m_prevEnd + 1);
-            const long long last = m_run->end;
-            m_prevEnd = last;
-            ++m_run;
-            if (first <= last) {
-                lo = first + m_shift;
-                hi = last + m_shift;
-                return true;
-            }
-        }
-        return false;
-    }
-
-private:
-    RLERowRuns::const_iterator m_run;
-    RLERowRuns::const_iterator m_end;
-    long long m_prevEnd;
-    long long m_shift;
-};
-
-// Whether the two rows share an occupied canvas column in [left, right].
-bool RowsMeet(const RLERowRuns& a, int shiftA, const RLERowRuns& b, int shiftB, long long left,
-              long long right) {
-    RowCells cellsA(a, shiftA, left);
-    RowCells cellsB(b, shiftB, left);
-    long long loA = 0, hiA = 0, loB = 0, hiB = 0;
-    bool moreA = cellsA.Next(loA, hiA);
-    bool moreB = cellsB.Next(loB, hiB);
-    while (moreA && moreB) {
-        if (loA > right || loB > right) return false;
-        if (std::max({loA, loB, left}) <= std::min({hiA, hiB, right})) return true;
-        if (hiA < hiB) {
-            moreA = cellsA.Next(loA, hiA);
-        } else {
-            moreB = cellsB.Next(loB, hiB);
-        }
-    }
-    return false;
-}
 
 }  // namespace
 
@@ -127,7 +76,7 @@ CAvoidObject::~CAvoidObject() = default;
 
 void CAvoidObject::Reset() {
     Changed();
-    Clear();
+    RecycleRows();
     m_boxes.clear();
     m_offsets.clear();
     m_offsets.emplace_back(0, 0);
@@ -148,10 +97,6 @@ void CAvoidObject::OffsetIterator(std::vector<Location>::iterator position) {
     m_position = static_cast<size_t>(position - m_offsets.begin());
 }
 
-Location CAvoidObject::Offset() const {
-    return m_position < m_offsets.size() ? m_offsets[m_position] : Location();
-}
-
 void CAvoidObject::ClearOffset() {
     Changed();
     m_offsets.clear();
@@ -170,8 +115,30 @@ void CAvoidObject::AddBox(const Envelope& envelope) {
                MapToCellX(*dt, envelope.x2), MapToCellY(*dt, envelope.y2)));
 }
 
+void CAvoidObject::RecycleRows() {
+    RLERows& rows = *this;
+    for (RLERowRuns& runs : rows) {
+        if (runs.capacity() == 0 || runs.capacity() > kMaxSpareRuns) continue;
+        if (m_spareRows.size() >= kMaxSpareRows) break;
+        runs.clear();
+        m_spareRows.push_back(std::move(runs));
+    }
+    if (rows.capacity() > kMaxSpareRows) {
+        RLERows().swap(rows);
+    } else {
+        rows.clear();
+    }
+}
+
 void CAvoidObject::AddRLE(int row, int first, int last) {
     Changed();
+    if (!m_spareRows.empty()) {
+        const RLERows::iterator p = Row(row, true);
+        if (p->capacity() == 0) {
+            p->swap(m_spareRows.back());
+            m_spareRows.pop_back();
+        }
+    }
     Add(row, first, last);
     m_regularity = Regularity::kUnknown;
 }
@@ -179,14 +146,6 @@ void CAvoidObject::AddRLE(int row, int first, int last) {
 void CAvoidObject::RecordMaxRLE() {
     Changed();
     m_runExtent = Box(StartCol(), StartRow(), EndCol(), EndRow());
-}
-
-Box CAvoidObject::RLEMaxExtent() const { return m_runExtent.Offset(Offset()); }
-
-Box CAvoidObject::MaxExtent() const {
-    Box extent = m_declaredExtent;
-    extent.Union(m_runExtent);
-    return extent.Offset(Offset());
 }
 
 CDT* CAvoidObject::DT() { return CRLERaster::DT(); }
@@ -245,7 +204,9 @@ bool CAvoidObject::RunsMeet(CAvoidObject* o) const {
         const RLERowRuns* a = RowRuns(y - here.y);
         const RLERowRuns* b = o->RowRuns(y - there.y);
         if (a == nullptr || b == nullptr) continue;
-        if (RowsMeet(*a, here.x, *b, there.x, area.left, area.right)) return true;
+        if (kxac::RowsMeet(kxac::RowSpan(*a), here.x, kxac::RowSpan(*b), there.x, area.left,
+                           area.right))
+            return true;
     }
     return false;
 }

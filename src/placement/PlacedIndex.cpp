@@ -4,15 +4,20 @@
 #include <climits>
 
 #include "placement/AvoidContainer.h"
+#include "placement/RowMerge.h"
 
 namespace {
 
-// Coordinates and offsets within this bound add up without wrapping.
+// Coordinates and offsets within this bound add up without wrapping. The footprint test merges
+// runs within the same bound, so an object with bounds meets its conditions on coordinates.
 constexpr int kTameLimit = 1 << 29;
-// Buckets of 64 x 64 cells.
+// Buckets of 32 x 32 cells.
 constexpr int kBucketShift = 5;
 // An object spanning more buckets than this is kept apart and tested by every query.
 constexpr long long kMaxBuckets = 64;
+// The flat array holds at most this many buckets (a canvas of 16384 x 16384 cells); the rest of
+// a larger canvas goes to the hash map.
+constexpr long long kMaxGridBuckets = 1LL << 18;
 
 bool Tame(int v) { return v >= -kTameLimit && v <= kTameLimit; }
 bool Tame(const Box& b) { return Tame(b.left) && Tame(b.top) && Tame(b.right) && Tame(b.bottom); }
@@ -24,7 +29,7 @@ Box Normalised(const Box& b) {
 
 // The bounds of obj's footprint at its current offset; false when some coordinate is too large
 // for them to be exact, or the run extent is not a valid box.
-bool BoundsOf(CAvoidObject& obj, Box& out) {
+bool BoundsOf(const CAvoidObject& obj, Box& out) {
     const Location offset = obj.Offset();
     if (!Tame(offset.x) || !Tame(offset.y)) return false;
     const Box runs = obj.RLEMaxExtent();
@@ -38,7 +43,7 @@ bool BoundsOf(CAvoidObject& obj, Box& out) {
     return true;
 }
 
-// Bucket number of a coordinate: floor(v / 64), from a non-negative shifted value.
+// Bucket number of a coordinate: floor(v / 32), from a non-negative shifted value.
 long long BucketOf(int v) {
     return ((static_cast<long long>(v) + (1LL << 31)) >> kBucketShift) -
            (1LL << (31 - kBucketShift));
@@ -50,6 +55,13 @@ uint64_t BucketKey(long long col, long long row) {
 
 long long BucketCount(const Box& b) {
     return (BucketOf(b.right) - BucketOf(b.left) + 1) * (BucketOf(b.bottom) - BucketOf(b.top) + 1);
+}
+
+// Buckets needed to cover n cells from cell 0, none for a canvas without cells.
+long long BucketsFor(long long cells) {
+    return cells > 0
+               ? (std::min<long long>(cells, INT_MAX) + (1 << kBucketShift) - 1) >> kBucketShift
+               : 0;
 }
 
 const Box kEverywhere(INT_MIN, INT_MIN, INT_MAX, INT_MAX);
@@ -64,9 +76,75 @@ void CPlacedIndex::Clear() {
     }
     m_watched.clear();
     m_entries.clear();
-    m_buckets.clear();
+    m_runs.clear();
     m_large.clear();
+    // Buckets keep their capacity for the next pass.
+    for (uint32_t used : m_used)
+        m_grid[used].clear();
+    m_used.clear();
+    m_far.clear();
     m_stale = false;
+    ApplyCover();
+}
+
+void CPlacedIndex::Cover(long long width, long long height) {
+    long long columns = BucketsFor(width);
+    long long rows = BucketsFor(height);
+    if (columns * rows > kMaxGridBuckets) {
+        columns = std::min(columns, kMaxGridBuckets);
+        rows = std::max(1LL, std::min(rows, kMaxGridBuckets / std::max(1LL, columns)));
+    }
+    m_wantColumns = columns;
+    m_wantRows = rows;
+    if (m_watched.empty()) ApplyCover();
+}
+
+void CPlacedIndex::ApplyCover() {
+    if (m_wantColumns == m_columns && m_wantRows == m_rows) return;
+    m_columns = m_wantColumns;
+    m_rows = m_wantRows;
+    std::vector<Bucket>(static_cast<size_t>(m_columns * m_rows)).swap(m_grid);
+    m_used.clear();
+}
+
+const CPlacedIndex::Bucket* CPlacedIndex::Find(long long col, long long row) const {
+    if (col >= 0 && col < m_columns && row >= 0 && row < m_rows) {
+        return &m_grid[static_cast<size_t>(row * m_columns + col)];
+    }
+    const auto it = m_far.find(BucketKey(col, row));
+    return it == m_far.end() ? nullptr : &it->second;
+}
+
+CPlacedIndex::Bucket& CPlacedIndex::Make(long long col, long long row) {
+    if (col >= 0 && col < m_columns && row >= 0 && row < m_rows) {
+        const auto number = static_cast<uint32_t>(row * m_columns + col);
+        if (m_grid[number].empty()) m_used.push_back(number);
+        return m_grid[number];
+    }
+    return m_far[BucketKey(col, row)];
+}
+
+bool CPlacedIndex::CopyRows(const CAvoidObject& obj, Entry& e) {
+    const CRLEIndexQuery& grid = obj.Grid();
+    const RLERowRuns* rows = obj.RowData();
+    const auto count = static_cast<uint32_t>(grid.RowCount());
+    size_t runs = 0;
+    for (uint32_t i = 0; i < count; ++i)
+        runs += rows[i].size();
+    // Row ends are kept as ints.
+    if (runs > static_cast<size_t>(INT_MAX)) return false;
+    e.startRow = grid.StartRow();
+    e.rowCount = count;
+    e.firstRun = m_runs.size();
+    runs = 0;
+    for (uint32_t i = 0; i < count; ++i) {
+        runs += rows[i].size();
+        m_runs.emplace_back(static_cast<int>(runs), 0);
+    }
+    for (uint32_t i = 0; i < count; ++i)
+        m_runs.insert(m_runs.end(), rows[i].begin(), rows[i].end());
+    e.quick = true;
+    return true;
 }
 
 void CPlacedIndex::Insert(CAvoidObject* obj) {
@@ -75,47 +153,79 @@ void CPlacedIndex::Insert(CAvoidObject* obj) {
     if (!obj->IsValid()) return;
     Box bounds;
     if (!BoundsOf(*obj, bounds)) bounds = kEverywhere;
+    Entry entry{bounds, obj->MaxExtent(), obj, obj->Offset(), 0, 0, 0, false};
+    if (bounds != kEverywhere && obj->Boxes().empty() && obj->RowsRegular()) CopyRows(*obj, entry);
     const auto number = static_cast<uint32_t>(m_entries.size());
-    m_entries.push_back({obj, bounds, 0});
+    m_entries.push_back(entry);
     if (bounds == kEverywhere || BucketCount(bounds) > kMaxBuckets) {
         m_large.push_back(number);
         return;
     }
-    for (long long col = BucketOf(bounds.left); col <= BucketOf(bounds.right); ++col) {
-        for (long long row = BucketOf(bounds.top); row <= BucketOf(bounds.bottom); ++row)
-            m_buckets[BucketKey(col, row)].push_back(number);
+    for (long long row = BucketOf(bounds.top); row <= BucketOf(bounds.bottom); ++row) {
+        for (long long col = BucketOf(bounds.left); col <= BucketOf(bounds.right); ++col)
+            Make(col, row).push_back({bounds, number});
     }
 }
 
-bool CPlacedIndex::Meets(Entry& e, const Box& bounds, const Box& extent, CAvoidObject* obj) {
-    if (e.stamp == m_stamp) return false;
-    e.stamp = m_stamp;
-    return e.bounds.IsIntersect(bounds) && extent.IsIntersect(e.obj->MaxExtent()) &&
-           e.obj->IsIntersect(obj);
+bool CPlacedIndex::Collide(const Entry& e, const Query& q) const {
+    if (!e.quick || !q.quick) return e.obj->IsIntersect(q.obj);
+    // Both objects are valid, have no boxes on the receiver's side, coordinates within bounds
+    // and regular rows: IsIntersect is the merge of runs over the rows the run extents share.
+    // Without boxes the entry's bounds are its run extent at its offset.
+    if (e.bounds.IsDisjoin(q.runs)) return false;
+    const Box area = e.bounds.Intersect(q.runs);
+    const CRLEIndexQuery& grid = q.obj->Grid();
+    const RLE* ends = m_runs.data() + e.firstRun;
+    const RLE* runs = ends + e.rowCount;
+    for (int y = area.top; y <= area.bottom; ++y) {
+        const long long row = static_cast<long long>(y) - e.offset.y - e.startRow;
+        if (row < 0 || row >= e.rowCount) continue;
+        const RLERowRuns* other = grid.RowRuns(y - q.offset.y);
+        if (other == nullptr) continue;
+        const kxac::RowSpan own(runs + (row == 0 ? 0 : ends[row - 1].start),
+                                runs + ends[row].start);
+        if (kxac::RowsMeet(own, e.offset.x, kxac::RowSpan(*other), q.offset.x, area.left,
+                           area.right)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool CPlacedIndex::Collides(CAvoidObject* obj) {
     if (!obj->IsValid() || m_entries.empty()) return false;
-    ++m_stamp;
     const Box extent = obj->MaxExtent();
     Box bounds;
     const bool bounded = BoundsOf(*obj, bounds);
+    const Query query{obj, obj->RLEMaxExtent(), obj->Offset(), bounded && obj->RowsRegular()};
+    const auto meets = [&](const Entry& e) {
+        return e.bounds.IsIntersect(bounds) && extent.IsIntersect(e.extent) && Collide(e, query);
+    };
     if (!bounded || BucketCount(bounds) > kMaxBuckets) {
         if (!bounded) bounds = kEverywhere;
-        for (Entry& e : m_entries) {
-            if (Meets(e, bounds, extent, obj)) return true;
-        }
-        return false;
+        return std::any_of(m_entries.begin(), m_entries.end(), meets);
     }
     for (uint32_t number : m_large) {
-        if (Meets(m_entries[number], bounds, extent, obj)) return true;
+        if (meets(m_entries[number])) return true;
     }
-    for (long long col = BucketOf(bounds.left); col <= BucketOf(bounds.right); ++col) {
-        for (long long row = BucketOf(bounds.top); row <= BucketOf(bounds.bottom); ++row) {
-            const auto it = m_buckets.find(BucketKey(col, row));
-            if (it == m_buckets.end()) continue;
-            for (uint32_t number : it->second) {
-                if (Meets(m_entries[number], bounds, extent, obj)) return true;
+    const long long col0 = BucketOf(bounds.left);
+    const long long row0 = BucketOf(bounds.top);
+    const long long col1 = BucketOf(bounds.right);
+    const long long row1 = BucketOf(bounds.bottom);
+    for (long long row = row0; row <= row1; ++row) {
+        for (long long col = col0; col <= col1; ++col) {
+            const Bucket* bucket = Find(col, row);
+            if (bucket == nullptr) continue;
+            for (const Slot& slot : *bucket) {
+                if (!slot.bounds.IsIntersect(bounds)) continue;
+                // An entry met in several buckets of this query is tested in the first of them
+                // only: the one at the top left corner of the two bounds' shared buckets.
+                if (col != std::max(col0, BucketOf(slot.bounds.left)) ||
+                    row != std::max(row0, BucketOf(slot.bounds.top))) {
+                    continue;
+                }
+                const Entry& e = m_entries[slot.entry];
+                if (extent.IsIntersect(e.extent) && Collide(e, query)) return true;
             }
         }
     }

@@ -5,6 +5,11 @@
 // objects' bounds, so an object can only collide with the objects whose bounds meet its own.
 // Objects whose coordinates or offsets reach beyond +-2^29, where shifted coordinates may wrap,
 // have no such bounds: they are met by every query, and as a query they meet everything.
+//
+// Buckets over the canvas lie in one flat array whose bucket vectors keep their capacity from
+// pass to pass; buckets off the canvas are kept in a hash map. A bucket holds each object's
+// bounds, so most objects are passed over without touching them, and objects of plain runs are
+// tested against a copy of their rows kept here, without touching them either.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +17,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "index/RLEIndex.h"
 #include "placement/Geometry.h"
 
 class CAvoidObject;
@@ -25,6 +31,10 @@ public:
 
     // Drops every object; the objects stop reporting their changes to this index.
     void Clear();
+    // The canvas, cells 0 .. width - 1 by 0 .. height - 1, whose buckets lie in the flat array.
+    // Takes effect at once while the index is empty, else at the next Clear. Answers do not
+    // depend on it.
+    void Cover(long long width, long long height);
     // Files a placed object at its current offset; objects that are not valid never collide
     // and are not kept in buckets. Every inserted object reports its changes until Clear().
     void Insert(CAvoidObject* obj);
@@ -38,21 +48,64 @@ public:
     void MarkStale() { m_stale = true; }
 
 private:
+    // A filed object with its bounds and MaxExtent at the time it was filed: the index is
+    // rebuilt before it is asked again whenever the object changed since.
+    //
+    // For an object without boxes, with bounds and with regular rows, the entry also keeps a
+    // copy of its rows in m_runs and its offset (quick is true): the footprint test is then the
+    // merge of runs, which reads the copy without touching the object. Others are asked
+    // IsIntersect.
     struct Entry {
-        CAvoidObject* obj;
         Box bounds;
-        uint64_t stamp;
+        Box extent;
+        CAvoidObject* obj;
+        Location offset;
+        int startRow;
+        // The copy: rowCount row ends (in start, counted from the first run), then the runs.
+        uint32_t rowCount;
+        size_t firstRun;
+        bool quick;
+    };
+    // What a bucket holds of an entry: enough for the bounds test.
+    struct Slot {
+        Box bounds;
+        uint32_t entry;
+    };
+    using Bucket = std::vector<Slot>;
+    // What a query reads of its own object for the quick test.
+    struct Query {
+        CAvoidObject* obj;
+        Box runs;
+        Location offset;
+        bool quick;
     };
 
-    // Whether the entry has not been met yet by this query and passes both tests.
-    bool Meets(Entry& e, const Box& bounds, const Box& extent, CAvoidObject* obj);
+    // Whether the entry's object, as the receiver, collides with the query's object.
+    bool Collide(const Entry& e, const Query& q) const;
+    // Copies obj's rows into m_runs and makes the entry quick; false, copying nothing, for a
+    // grid of more runs than an int counts.
+    bool CopyRows(const CAvoidObject& obj, Entry& e);
+    // The bucket of the given bucket column and row, or null when none was made.
+    const Bucket* Find(long long col, long long row) const;
+    Bucket& Make(long long col, long long row);
+    void ApplyCover();
 
+    // Every valid object, once: asked by queries without bounds.
     std::vector<Entry> m_entries;
-    // Bucket key (column << 32 | row) to entry numbers.
-    std::unordered_map<uint64_t, std::vector<uint32_t>> m_buckets;
+    // The rows copied for the quick entries.
+    std::vector<RLE> m_runs;
     // Entries too large for buckets and entries without bounds.
     std::vector<uint32_t> m_large;
-    uint64_t m_stamp = 0;
+    // Buckets of the canvas, row by row, m_columns per row.
+    std::vector<Bucket> m_grid;
+    long long m_columns = 0;
+    long long m_rows = 0;
+    long long m_wantColumns = 0;
+    long long m_wantRows = 0;
+    // The buckets of the array that hold entries.
+    std::vector<uint32_t> m_used;
+    // Buckets off the canvas: key (column << 32 | row).
+    std::unordered_map<uint64_t, Bucket> m_far;
     // Every object inserted since the last Clear, valid or not.
     std::vector<CAvoidObject*> m_watched;
     bool m_stale = false;

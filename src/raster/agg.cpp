@@ -89,10 +89,23 @@ const cell** cell_storage::sorted(unsigned n) {
     return sorted_;
 }
 
+uint32_t* cell_storage::counts(unsigned n) {
+    if (n > counts_capacity_) {
+        delete[] counts_;
+        counts_ = nullptr;
+        counts_ = new uint32_t[n];
+        counts_capacity_ = n;
+    }
+    return counts_;
+}
+
 void cell_storage::release() {
     delete[] sorted_;
     sorted_ = nullptr;
     sorted_capacity_ = 0;
+    delete[] counts_;
+    counts_ = nullptr;
+    counts_capacity_ = 0;
     while (held_ != 0)
         delete[] blocks_[--held_];
 }
@@ -328,6 +341,8 @@ void outline::render_row(int ey, int x1, int y1, int x2, int y2) {
 void outline::sort_cells() {
     if (cell_count_ == 0) return;
     sorted_ = storage_->sorted(cell_count_ + 1);
+    sorted_[cell_count_] = nullptr;
+    if (bucket_sort_cells()) return;
     const cell** out = sorted_;
     const unsigned full_blocks = cell_count_ >> block_shift;
     for (unsigned b = 0; b < full_blocks; ++b) {
@@ -340,6 +355,53 @@ void outline::sort_cells() {
         *out++ = storage_->held(full_blocks) + i;
     *out = nullptr;
     qsort_cells(sorted_, cell_count_);
+}
+
+// Counting sort on the high half of (key - smallest key), which is the row for cells of the
+// 16-bit range, then each bucket by key. Taken only when every cell's key is the packed key of its
+// own stored x and y: equal keys then mean equal cells, so the order among them, the one thing
+// this sort may choose differently from qsort_cells, changes nothing that reads the cells.
+// False, sorting nothing, otherwise or when there are far more buckets than cells.
+bool outline::bucket_sort_cells() {
+    const unsigned full_blocks = cell_count_ >> block_shift;
+    const unsigned rest = cell_count_ & block_mask;
+    auto for_each_cell = [&](auto&& visit) {
+        for (unsigned b = 0; b <= full_blocks; ++b) {
+            const unsigned n = b < full_blocks ? block_cells : rest;
+            if (n == 0) break;
+            const cell* block = storage_->held(b);
+            for (unsigned i = 0; i < n; ++i)
+                visit(block + i);
+        }
+    };
+    int32_t min_key = INT32_MAX;
+    int32_t max_key = INT32_MIN;
+    bool exact = true;
+    for_each_cell([&](const cell* c) {
+        exact &= c->packed == packed_key(c->x, c->y);
+        min_key = std::min(min_key, c->packed);
+        max_key = std::max(max_key, c->packed);
+    });
+    if (!exact) return false;
+    auto bucket_of = [min_key](const cell* c) {
+        return (static_cast<uint32_t>(c->packed) - static_cast<uint32_t>(min_key)) >> 16;
+    };
+    const uint32_t buckets =
+        ((static_cast<uint32_t>(max_key) - static_cast<uint32_t>(min_key)) >> 16) + 1;
+    if (buckets > cell_count_ + 16) return false;
+    uint32_t* starts = storage_->counts(buckets + 1);
+    std::fill(starts, starts + buckets + 1, 0u);
+    for_each_cell([&](const cell* c) { ++starts[bucket_of(c) + 1]; });
+    for (uint32_t b = 1; b <= buckets; ++b)
+        starts[b] += starts[b - 1];
+    // starts[b] runs from the start of bucket b to its end while the cells are placed.
+    for_each_cell([&](const cell* c) { sorted_[starts[bucket_of(c)]++] = c; });
+    uint32_t begin = 0;
+    for (uint32_t b = 0; b < buckets; ++b) {
+        if (starts[b] - begin > 1) qsort_cells(sorted_ + begin, starts[b] - begin);
+        begin = starts[b];
+    }
+    return true;
 }
 
 // Iterative quicksort by packed key. The larger part is always pushed, so the stack holds at most

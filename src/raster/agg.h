@@ -58,7 +58,9 @@ public:
     const cell* held(unsigned i) const { return blocks_[i]; }
     // An array of at least n pointers; its contents are not kept when it grows.
     const cell** sorted(unsigned n);
-    // Frees every block and the sorted array.
+    // An array of at least n counters for the sort; its contents are not kept when it grows.
+    uint32_t* counts(unsigned n);
+    // Frees every block, the sorted array and the counters.
     void release();
 
 private:
@@ -69,6 +71,8 @@ private:
     unsigned capacity_ = 0;
     const cell** sorted_ = nullptr;
     unsigned sorted_capacity_ = 0;
+    uint32_t* counts_ = nullptr;
+    unsigned counts_capacity_ = 0;
 };
 
 // The coverage cells of one polygon. Cells are stored in blocks of 4096 that never move and are
@@ -128,6 +132,7 @@ private:
     void flush_cell();
     void allocate_block();
     void sort_cells();
+    bool bucket_sort_cells();
     static void qsort_cells(const cell** start, unsigned num);
 
     // Blocks allocated so far: what the limit counts, whichever storage holds them.

@@ -1,22 +1,32 @@
 package com.tavrint.demo;
 
 import com.tavrint.core.util.index.grid.CAvoidContainerWrap;
+import com.tavrint.demo.GeoData.City;
+import com.tavrint.demo.GeoData.Polyline;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.List;
 import java.util.Locale;
 import java.util.Random;
 
 /**
- * Whole placement passes driven through the Java natives, in objects per second: per label
- * create an object, set its ID, rasterise its box as a ring, add three further candidates and add
- * it; then read both result lists with every object's ID and offset, and reset the container.
+ * Whole placement passes driven through the Java natives, in objects per second. A pass forces
+ * its obstacles (stroked lines), then per label creates an object, sets its ID, rasterises its
+ * first candidate box as a ring, adds the further candidates and adds it; then it reads both
+ * result lists with every object's ID and offset, and resets the container. The time of a pass
+ * covers all of that: footprints, placement and reading the results.
  *
- * <p>The labels are those of the native suite's uniform scene: random widths, spread over a
- * square canvas that keeps their density constant, generated from a fixed seed so that runs
- * compare. Usage: PassBenchmark [JSON output file].
+ * <p>Two workloads: the labels of the native suite's uniform scene (random widths spread over a
+ * square canvas that keeps their density constant, from a fixed seed so that runs compare), and
+ * the world map: every city of the data as a label with its candidates around the city's point
+ * (up to eight, those that fit the canvas), with the borders and the coastline as forced lines,
+ * on an equirectangular canvas of 8192 x 4096 pixels.
+ *
+ * <p>Usage: PassBenchmark [JSON output file [data folder]]; the data folder defaults to
+ * {@code data}.
  */
 public final class PassBenchmark {
     private static final long SEED = 20240601L;
@@ -24,10 +34,27 @@ public final class PassBenchmark {
     private static final int LABEL_HEIGHT = 13;
     private static final int CLEARANCE = 4;
     private static final int[] SIZES = {1000, 4000};
-    /** Each size runs passes until this much time has gone, and at least three. */
+    private static final int WORLD_WIDTH = 8192;
+    private static final int WORLD_HEIGHT = 4096;
+    /** Estimated pixels per character of a city's name, and the label's margin. */
+    private static final int CHAR_WIDTH = 7;
+    private static final int LABEL_MARGIN = 2;
+    /** Each workload runs passes until this much time has gone, and at least three. */
     private static final double MIN_SECONDS = 2.0;
 
-    private record Row(String name, int objects, int placed, int passes, double bestSeconds,
+    /**
+     * One pass's input in canvas pixels. A forced line is interleaved x, y values stroked with
+     * LINE_HALF_WIDTH; a label is the four corners of its ring (eight values) followed by the x,
+     * y offsets of its further candidates.
+     */
+    private record Workload(String name, int width, int height, List<int[]> forcedLines,
+            List<int[]> labels) {
+        int objects() {
+            return forcedLines.size() + labels.size();
+        }
+    }
+
+    private record Row(String name, int objects, int placedLabels, int passes, double bestSeconds,
             double medianSeconds) {
         double objectsPerSecond() {
             return objects / medianSeconds;
@@ -37,14 +64,16 @@ public final class PassBenchmark {
     private PassBenchmark() {}
 
     public static void main(String[] args) throws IOException {
+        Path dataDir = Path.of(args.length > 1 ? args[1] : "data");
         List<Row> rows = new ArrayList<>();
-        for (int n : SIZES) rows.add(measure(n));
-        System.out.printf("%-28s %8s %8s %7s %12s %14s%n", "benchmark", "objects", "placed",
-                "passes", "median ms", "objects/s");
+        for (int n : SIZES) rows.add(measure(uniformLabels(n, new Random(SEED))));
+        rows.add(measure(worldMap(dataDir)));
+        System.out.printf("%-28s %8s %8s %7s %10s %12s %14s%n", "benchmark", "objects", "placed",
+                "passes", "best ms", "median ms", "objects/s");
         for (Row r : rows) {
-            System.out.printf(Locale.ROOT, "%-28s %8d %8d %7d %12.2f %14.0f%n", r.name(),
-                    r.objects(), r.placed(), r.passes(), r.medianSeconds() * 1e3,
-                    r.objectsPerSecond());
+            System.out.printf(Locale.ROOT, "%-28s %8d %8d %7d %10.2f %12.2f %14.0f%n", r.name(),
+                    r.objects(), r.placedLabels(), r.passes(), r.bestSeconds() * 1e3,
+                    r.medianSeconds() * 1e3, r.objectsPerSecond());
         }
         if (args.length > 0) {
             Path out = Path.of(args[0]).toAbsolutePath();
@@ -54,42 +83,50 @@ public final class PassBenchmark {
         }
     }
 
-    private static Row measure(int n) {
-        int[][] labels = uniformLabels(n, new Random(SEED));
-        int side = canvasSide(n);
+    private static Row measure(Workload w) {
         long c = CAvoidContainerWrap.CreateAvoidContainer();
         try {
-            CAvoidContainerWrap.AvoidContainerExtent(
-                    c, new int[] {0, 0, side, side}, new double[] {0, 0, side, side});
-            long outcome = runPass(c, labels);  // warm-up: JIT, object pool, row storage
+            CAvoidContainerWrap.AvoidContainerExtent(c, new int[] {0, 0, w.width(), w.height()},
+                    new double[] {0, 0, w.width(), w.height()});
+            long outcome = runPass(c, w);  // warm-up: JIT, object pool, row storage
             List<Double> seconds = new ArrayList<>();
             double total = 0;
             while (seconds.size() < 3 || total < MIN_SECONDS) {
                 long t0 = System.nanoTime();
-                long again = runPass(c, labels);
+                long again = runPass(c, w);
                 double s = (System.nanoTime() - t0) / 1e9;
                 if (again != outcome) throw new IllegalStateException("passes disagree");
                 seconds.add(s);
                 total += s;
             }
             double[] sorted = seconds.stream().mapToDouble(Double::doubleValue).sorted().toArray();
-            return new Row("java_pass_uniform/" + n, n, (int) (outcome >>> 32), sorted.length,
-                    sorted[0], sorted[sorted.length / 2]);
+            int placedLabels = (int) (outcome >>> 32) - w.forcedLines().size();
+            return new Row(w.name(), w.objects(), placedLabels, sorted.length, sorted[0],
+                    sorted[sorted.length / 2]);
         } finally {
             CAvoidContainerWrap.DestroyAvoidContainer(c);
         }
     }
 
     // One pass; returns its outcome: the number of placed objects in the high half, a checksum of
-    // the objects' IDs and offsets in the low half. Every pass of the same labels has the same.
-    private static long runPass(long c, int[][] labels) {
-        for (int i = 0; i < labels.length; i++) {
-            int[] l = labels[i];
+    // the objects' IDs and offsets in the low half. Every pass of the same workload has the same.
+    private static long runPass(long c, Workload w) {
+        List<int[]> forced = w.forcedLines();
+        for (int i = 0; i < forced.size(); i++) {
+            long obj = CAvoidContainerWrap.CreateAvoidObject(c);
+            CAvoidContainerWrap.AvoidObject_SetID(obj, -1 - i);
+            CAvoidContainerWrap.AvoidObject_AddLines(obj, forced.get(i), Scene.LINE_HALF_WIDTH);
+            CAvoidContainerWrap.AddAvoidObjectForce(c, obj);
+        }
+        List<int[]> labels = w.labels();
+        int[] ring = new int[8];
+        for (int i = 0; i < labels.size(); i++) {
+            int[] l = labels.get(i);
             long obj = CAvoidContainerWrap.CreateAvoidObject(c);
             CAvoidContainerWrap.AvoidObject_SetID(obj, i);
-            CAvoidContainerWrap.AvoidObject_AddRing(
-                    obj, Footprints.rectangleRing(l[0], l[1], l[0] + l[2] - 1, l[1] + l[3] - 1));
-            for (int k = 4; k + 1 < l.length; k += 2) {
+            System.arraycopy(l, 0, ring, 0, 8);
+            CAvoidContainerWrap.AvoidObject_AddRing(obj, ring);
+            for (int k = 8; k + 1 < l.length; k += 2) {
                 CAvoidContainerWrap.AvoidObject_AddOffset(obj, l[k], l[k + 1]);
             }
             CAvoidContainerWrap.AddAvoidObject(c, obj);
@@ -113,11 +150,11 @@ public final class PassBenchmark {
         return (int) Math.ceil(Math.sqrt(n * CELLS_PER_LABEL));
     }
 
-    // Per label: left, top, width, height of the box right of its point, then the offsets of
-    // the left, above and below candidates.
-    static int[][] uniformLabels(int n, Random rng) {
+    // Per label: the box right of its point, then the offsets of the left, above and below
+    // candidates.
+    static Workload uniformLabels(int n, Random rng) {
         int side = canvasSide(n);
-        int[][] labels = new int[n][];
+        List<int[]> labels = new ArrayList<>(n);
         for (int i = 0; i < n; i++) {
             int px = rng.nextInt(side);
             int py = rng.nextInt(side);
@@ -125,10 +162,47 @@ public final class PassBenchmark {
             int left = px + CLEARANCE;
             int top = py - LABEL_HEIGHT / 2;
             int centred = px - w / 2 - left;
-            labels[i] = new int[] {left, top, w, LABEL_HEIGHT, -w - 2 * CLEARANCE, 0, centred,
-                py - CLEARANCE - LABEL_HEIGHT - top, centred + 1, py + CLEARANCE - top};
+            int[] ring = Footprints.rectangleRing(left, top, left + w - 1, top + LABEL_HEIGHT - 1);
+            int[] l = Arrays.copyOf(ring, 14);
+            int[] offsets = {-w - 2 * CLEARANCE, 0, centred, py - CLEARANCE - LABEL_HEIGHT - top,
+                centred + 1, py + CLEARANCE - top};
+            System.arraycopy(offsets, 0, l, 8, offsets.length);
+            labels.add(l);
         }
-        return labels;
+        return new Workload("java_pass_uniform/" + n, side, side, List.of(), labels);
+    }
+
+    // Every city, most populous first, labelled around its point; cities without a candidate
+    // that fits the canvas are left out. Borders, then the coastline, as forced pieces.
+    static Workload worldMap(Path dataDir) throws IOException {
+        List<City> cities = GeoData.readCities(dataDir.resolve("cities.tsv"));
+        Projection p = new Projection(WORLD_WIDTH, WORLD_HEIGHT, -180, -90, 180, 90);
+        List<int[]> labels = new ArrayList<>(cities.size());
+        for (City city : cities) {
+            int width = CHAR_WIDTH * city.name().codePointCount(0, city.name().length())
+                    + LABEL_MARGIN;
+            Candidates cand = Candidates.around(p.x(city.lon()), p.y(city.lat()), CLEARANCE,
+                    width, LABEL_HEIGHT, WORLD_WIDTH, WORLD_HEIGHT);
+            if (cand.isEmpty()) continue;
+            int l = cand.left(0);
+            int t = cand.top(0);
+            int[] ring = Footprints.rectangleRing(l, t, l + width - 1, t + LABEL_HEIGHT - 1);
+            int[] label = Arrays.copyOf(ring, 8 + 2 * (cand.size() - 1));
+            for (int k = 1; k < cand.size(); k++) {
+                label[8 + 2 * (k - 1)] = cand.dx(k);
+                label[9 + 2 * (k - 1)] = cand.dy(k);
+            }
+            labels.add(label);
+        }
+        List<int[]> forced = new ArrayList<>();
+        for (String file : new String[] {"borders.tsv", "coastline.tsv"}) {
+            for (Polyline line : GeoData.readPolylines(dataDir.resolve(file))) {
+                int[] xy = p.toPixels(line.lonLat());
+                forced.addAll(Footprints.splitPolyline(xy, Scene.PIECE_SPAN));
+            }
+        }
+        return new Workload("java_pass_world/" + cities.size(), WORLD_WIDTH, WORLD_HEIGHT, forced,
+                labels);
     }
 
     private static String toJson(List<Row> rows) {
@@ -139,7 +213,7 @@ public final class PassBenchmark {
                     "    {\"name\": \"%s\", \"objects\": %d, \"placed\": %d, \"passes\": %d, "
                             + "\"best_seconds\": %.6f, \"median_seconds\": %.6f, "
                             + "\"objects_per_second\": %.1f}%s%n",
-                    r.name(), r.objects(), r.placed(), r.passes(), r.bestSeconds(),
+                    r.name(), r.objects(), r.placedLabels(), r.passes(), r.bestSeconds(),
                     r.medianSeconds(), r.objectsPerSecond(), i + 1 < rows.size() ? "," : ""));
         }
         return sb.append("  ]\n}\n").toString();
