@@ -232,6 +232,17 @@ void FitToScene(CAvoidContainer& c, const Scene& s) {
     FitMapExtent(*c.DT(), 0.0, 0.0, s.width, s.height);
 }
 
+void AddLabel(CAvoidContainer& c, const Label& l) {
+    CAvoidObject* obj = c.NewObject();
+    const Box& b = l.box;
+    int ring[] = {b.left,      b.top,        b.right + 1, b.top,
+                  b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
+    obj->AddRing(ring, 8);
+    auto& offsets = obj->OffsetCollection();
+    offsets.insert(offsets.end(), l.offsets.begin(), l.offsets.end());
+    c.Add(obj, false);
+}
+
 PassCounts RunPass(CAvoidContainer& c, Scene& s, size_t maxLabels) {
     for (Obstacle& o : s.forced) {
         CAvoidObject* obj = c.NewObject();
@@ -245,15 +256,7 @@ PassCounts RunPass(CAvoidContainer& c, Scene& s, size_t maxLabels) {
     }
     size_t n = std::min(maxLabels, s.labels.size());
     for (size_t i = 0; i < n; ++i) {
-        const Label& l = s.labels[i];
-        CAvoidObject* obj = c.NewObject();
-        const Box& b = l.box;
-        int ring[] = {b.left,      b.top,        b.right + 1, b.top,
-                      b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
-        obj->AddRing(ring, 8);
-        auto& offsets = obj->OffsetCollection();
-        offsets.insert(offsets.end(), l.offsets.begin(), l.offsets.end());
-        c.Add(obj, false);
+        AddLabel(c, s.labels[i]);
     }
     PassCounts counts{c.PlacedObjects().size(), c.UnplacedObjects().size()};
     c.Reset();

@@ -57,14 +57,7 @@ kxbench::PassCounts TimedPass(CAvoidContainer& c, kxbench::Scene& s, double budg
             const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
             if (spent.count() > budget) break;
         }
-        CAvoidObject* obj = c.NewObject();
-        const Box& b = l.box;
-        int ring[] = {b.left,      b.top,        b.right + 1, b.top,
-                      b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
-        obj->AddRing(ring, 8);
-        auto& offsets = obj->OffsetCollection();
-        offsets.insert(offsets.end(), l.offsets.begin(), l.offsets.end());
-        c.Add(obj, false);
+        kxbench::AddLabel(c, l);
         ++labels;
     }
     kxbench::PassCounts counts{c.PlacedObjects().size(), c.UnplacedObjects().size()};
