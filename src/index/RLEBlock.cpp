@@ -8,6 +8,7 @@
 // allocating, and refuse what does not fit.
 #include <sys/stat.h>
 
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -75,9 +76,12 @@ int CRLEIndexQuery::Load(const unsigned char* buf, int length) {
     if (buf == nullptr || length <= kLevelHeader) return 0;
     const uint32_t blockLength = GetU32(buf);
     if (blockLength <= kLevelHeader || blockLength > static_cast<uint32_t>(length)) return 0;
-    m_level = GetI32(buf + 8);
-    m_startRow = GetI32(buf + 12);
+    const int startRow = GetI32(buf + 12);
     const int rowCount = GetI32(buf + 16);
+    // A band past the largest row would wrap to the smallest: no grid can hold it.
+    if (static_cast<long long>(startRow) + rowCount - 1 > INT_MAX) return 0;
+    m_level = GetI32(buf + 8);
+    m_startRow = startRow;
     RLERows().swap(*this);
     if (rowCount < 0) throw std::length_error("vector::reserve");
     if (rowCount < 1) return static_cast<int>(blockLength);

@@ -180,7 +180,8 @@ public:
     int BlockLength() const;
     // L on success; 0, writing nothing, when no row is stored or L > capacity.
     int Save(unsigned char* buf, int capacity) const;
-    // L on success, 0 on refusal. Refused, leaving the level unchanged: L <= 20 or L > length.
+    // L on success, 0 on refusal. Refused, leaving the level unchanged: L <= 20 or L > length,
+    // or a band whose last row (start row + row count - 1) lies past 2147483647.
     // Otherwise the level number and start row are taken and the stored rows released; rows are
     // then read one by one, and loading stops with 0 (the rows read so far staying) once a
     // complete row ends past L, or when a row's count or runs would run past length. A negative

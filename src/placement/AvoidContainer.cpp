@@ -9,7 +9,6 @@ CAvoidContainer::CAvoidContainer() = default;
 CAvoidContainer::~CAvoidContainer() { CAvoidContainer::Destroy(); }
 
 void CAvoidContainer::Reset() {
-    if (!m_placed.empty()) ++m_placedRemovals;
     for (std::list<CAvoidObject*>* list : {&m_placed, &m_unplaced}) {
         for (CAvoidObject* obj : *list)
             m_pool.push(obj);
@@ -57,9 +56,9 @@ void CAvoidContainer::Recycle(CAvoidObject* obj) {
     }
     const auto it = std::find(list->begin(), list->end(), obj);
     if (it == list->end()) return;
-    if (list == &m_placed) ++m_placedRemovals;
     m_spareNodes.splice(m_spareNodes.end(), *list, it);
     m_pool.push(obj);
+    if (list == &m_placed) Released(obj);
 }
 
 void CAvoidContainer::Destroy() {
@@ -78,7 +77,6 @@ void CAvoidContainer::Destroy() {
     m_spareNodes.clear();
 }
 
-// The index lets go of the objects before the base class deletes them.
 CPriorityAvoidContainer::~CPriorityAvoidContainer() = default;
 
 bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
@@ -110,8 +108,9 @@ bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
 void CPriorityAvoidContainer::Reset() {
     CAvoidContainer::Reset();
     m_index.Clear();
-    m_indexedRemovals = m_placedRemovals;
 }
+
+void CPriorityAvoidContainer::Released(CAvoidObject*) { m_index.MarkStale(); }
 
 void CPriorityAvoidContainer::Place(CAvoidObject* obj) {
     obj->PlacedState(CAvoidObject::kPlaced);
@@ -120,14 +119,10 @@ void CPriorityAvoidContainer::Place(CAvoidObject* obj) {
 }
 
 void CPriorityAvoidContainer::SyncIndex() {
-    if (!m_index.Stale() && m_indexedRemovals == m_placedRemovals &&
-        m_index.Inserted() == m_placed.size()) {
-        return;
-    }
+    if (!m_index.Stale()) return;
     m_index.Clear();
     for (CAvoidObject* placed : m_placed)
         m_index.Insert(placed);
-    m_indexedRemovals = m_placedRemovals;
 }
 
 void CPriorityAvoidContainer::IntersectBox(CAvoidObject* obj,
@@ -142,7 +137,6 @@ bool CPriorityAvoidContainer::TakePalce(CAvoidObject* obj, std::vector<CAvoidObj
     for (CAvoidObject* placed : candidates) {
         if (placed->IsIntersect(obj)) return false;
     }
-    Append(m_placed, obj);
-    obj->PlacedState(CAvoidObject::kPlaced);
+    Place(obj);
     return true;
 }

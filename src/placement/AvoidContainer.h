@@ -14,11 +14,13 @@
 
 #include <deque>
 #include <list>
+#include <memory>
 #include <queue>
 #include <string>
 #include <vector>
 
 #include "index/RLEIndex.h"
+#include "placement/ChangeSignal.h"
 #include "placement/Geometry.h"
 #include "placement/PlacedIndex.h"
 #include "placement/RLERaster.h"
@@ -166,13 +168,18 @@ public:
 
     // Read access to the object's own runs.
     const CRLEIndexQuery& Grid() const { return *this; }
+    // The stored rows, from the start row; valid until the grid changes.
+    const RLERowRuns* RowData() const { return RLERows::data(); }
+    // Whether the run ends of every row are non-decreasing; cached until the grid changes.
+    bool RowsRegular() const;
+
+    // The signal this object raises on every change of its footprint or offset, from now on
+    // (null: none). An index that files the object sets it.
+    void Watch(std::shared_ptr<kxac::ChangeSignal> signal) { m_watch = std::move(signal); }
 
 private:
-    friend class CPlacedIndex;
-
-    // Tells the index that files this object, if any, that its footprint or offset changed.
     void Changed() {
-        if (m_watcher != nullptr) m_watcher->MarkStale();
+        if (m_watch) m_watch->raised = true;
     }
     // Rasterises the polygon in m_polygon (subpixel coordinates, not yet truncated).
     void DrawPolygon();
@@ -181,12 +188,8 @@ private:
     bool OutsideCanvas(double minX, double minY, double maxX, double maxY);
     // The runs-against-runs part of IsIntersect(o).
     bool RunsMeet(CAvoidObject* o) const;
-    // Whether the run ends of every row are non-decreasing; cached until the grid changes.
-    bool RowsRegular() const;
     // Empties the grid, keeping the row vectors' memory in m_spareRows for the next footprint.
     void RecycleRows();
-    // The stored rows, from the start row; valid until the grid changes.
-    const RLERowRuns* RowData() const { return RLERows::data(); }
 
     long long m_id = 0;
     std::string m_stringId;
@@ -197,8 +200,7 @@ private:
     // Emptied row vectors with their capacity, handed to rows that AddRLE makes. Bounded in
     // number and size, so that one large footprint does not pin its memory to a pooled object.
     RLERows m_spareRows;
-    // The index of placed objects that files this object, or null.
-    CPlacedIndex* m_watcher = nullptr;
+    std::shared_ptr<kxac::ChangeSignal> m_watch;
 };
 
 // Owner of the objects of one placement pass and keeper of its transform.
@@ -235,15 +237,14 @@ private:
     std::queue<CAvoidObject*, std::deque<CAvoidObject*>> m_pool;
 
 protected:
+    // Called when Recycle takes obj off the placed list.
+    virtual void Released(CAvoidObject* obj) { (void)obj; }
     // Appends obj at the back of list (m_placed or m_unplaced) in a node that Reset or Recycle
     // freed, so that a pass of a reused container allocates no list nodes.
     void Append(std::list<CAvoidObject*>& list, CAvoidObject* obj);
 
     std::list<CAvoidObject*> m_placed;
     std::list<CAvoidObject*> m_unplaced;
-    // Counts the removals from m_placed, so that derived containers can tell when what they
-    // keep about the placed objects is out of date.
-    unsigned long long m_placedRemovals = 0;
 
 private:
     CDT m_dt;
@@ -253,10 +254,11 @@ private:
 
 // Greedy placement in the order of adding: an earlier object always wins.
 //
-// Placed objects are filed in an index by where their footprints stand. A placed object whose
-// footprint or offset changes (through its own operations) marks the index stale, and the index
-// is rebuilt from the placed list before it is next asked; answers are those of a scan over the
-// placed list in every case.
+// Placed objects are filed in an index by where their footprints stand. The index never outlives
+// its view of an object: Reset empties it, and a placed object taken back by Recycle, or one whose
+// footprint or offset changes through its own operations, makes it stale, so that it is rebuilt
+// from the placed list before it is next asked. Answers are those of a scan over the placed list
+// in every case.
 class KXAC_API CPriorityAvoidContainer : public CAvoidContainer {
 public:
     ~CPriorityAvoidContainer() override;
@@ -273,11 +275,13 @@ public:
     // Places obj unless a candidate, as the receiver, collides with it.
     bool TakePalce(CAvoidObject* obj, std::vector<CAvoidObject*>& candidates);
 
+protected:
+    void Released(CAvoidObject* obj) override;
+
 private:
-    // Refiles the placed objects when the placed list changed behind the index's back.
+    // Refiles the placed objects when the index is stale.
     void SyncIndex();
     void Place(CAvoidObject* obj);
 
     CPlacedIndex m_index;
-    unsigned long long m_indexedRemovals = 0;
 };

@@ -71,10 +71,13 @@ const Box kEverywhere(INT_MIN, INT_MIN, INT_MAX, INT_MAX);
 CPlacedIndex::~CPlacedIndex() { Clear(); }
 
 void CPlacedIndex::Clear() {
-    for (CAvoidObject* obj : m_watched) {
-        if (obj->m_watcher == this) obj->m_watcher = nullptr;
+    // The objects filed so far keep the old signal: what they raise from now on reaches no one.
+    if (m_filed) {
+        m_signal = std::make_shared<kxac::ChangeSignal>();
+    } else {
+        m_signal->raised = false;
     }
-    m_watched.clear();
+    m_filed = false;
     m_entries.clear();
     m_runs.clear();
     m_large.clear();
@@ -83,7 +86,6 @@ void CPlacedIndex::Clear() {
         m_grid[used].clear();
     m_used.clear();
     m_far.clear();
-    m_stale = false;
     ApplyCover();
 }
 
@@ -96,7 +98,7 @@ void CPlacedIndex::Cover(long long width, long long height) {
     }
     m_wantColumns = columns;
     m_wantRows = rows;
-    if (m_watched.empty()) ApplyCover();
+    if (!m_filed) ApplyCover();
 }
 
 void CPlacedIndex::ApplyCover() {
@@ -148,8 +150,8 @@ bool CPlacedIndex::CopyRows(const CAvoidObject& obj, Entry& e) {
 }
 
 void CPlacedIndex::Insert(CAvoidObject* obj) {
-    obj->m_watcher = this;
-    m_watched.push_back(obj);
+    obj->Watch(m_signal);
+    m_filed = true;
     if (!obj->IsValid()) return;
     Box bounds;
     if (!BoundsOf(*obj, bounds)) bounds = kEverywhere;

@@ -14,10 +14,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
 #include "index/RLEIndex.h"
+#include "placement/ChangeSignal.h"
 #include "placement/Geometry.h"
 
 class CAvoidObject;
@@ -29,23 +31,23 @@ public:
     CPlacedIndex& operator=(const CPlacedIndex&) = delete;
     ~CPlacedIndex();
 
-    // Drops every object; the objects stop reporting their changes to this index.
+    // Drops every object without touching it; changes of the objects it held are no longer seen.
     void Clear();
     // The canvas, cells 0 .. width - 1 by 0 .. height - 1, whose buckets lie in the flat array.
     // Takes effect at once while the index is empty, else at the next Clear. Answers do not
     // depend on it.
     void Cover(long long width, long long height);
     // Files a placed object at its current offset; objects that are not valid never collide
-    // and are not kept in buckets. Every inserted object reports its changes until Clear().
+    // and are not kept in buckets. Every inserted object raises this index's change signal
+    // until Clear(). obj must stay alive until then, or until the index is stale.
     void Insert(CAvoidObject* obj);
     // Whether some filed object meets obj's MaxExtent and, as the receiver, collides with obj at
     // its current offset.
     bool Collides(CAvoidObject* obj);
-    // The number of Insert calls since the last Clear.
-    size_t Inserted() const { return m_watched.size(); }
-    // Some inserted object changed its footprint or offset since it was filed.
-    bool Stale() const { return m_stale; }
-    void MarkStale() { m_stale = true; }
+    // Some inserted object changed its footprint or offset since it was filed, or MarkStale was
+    // called: the index must be cleared and refilled before it is asked again.
+    bool Stale() const { return m_signal->raised; }
+    void MarkStale() { m_signal->raised = true; }
 
 private:
     // A filed object with its bounds and MaxExtent at the time it was filed: the index is
@@ -106,7 +108,7 @@ private:
     std::vector<uint32_t> m_used;
     // Buckets off the canvas: key (column << 32 | row).
     std::unordered_map<uint64_t, Bucket> m_far;
-    // Every object inserted since the last Clear, valid or not.
-    std::vector<CAvoidObject*> m_watched;
-    bool m_stale = false;
+    // Shared with the objects filed since the last Clear; nothing filed while m_filed is false.
+    std::shared_ptr<kxac::ChangeSignal> m_signal = std::make_shared<kxac::ChangeSignal>();
+    bool m_filed = false;
 };

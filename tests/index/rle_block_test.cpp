@@ -301,3 +301,22 @@ TEST(RleBlock, ShortOrMissingFilesGiveFalse) {
     EXPECT_FALSE(index.Load((dir + "/rleidx-missing").c_str()));
     EXPECT_FALSE(index.Save((dir + "/rleidx-missing/x").c_str()));
 }
+
+// A band reaching past the largest row once loaded: its cursor listed cells that IsExist denied,
+// and a later Add asked for tens of gigabytes.
+TEST(RleBlock, LevelWhoseBandWrapsPastTheLargestRowIsRefused) {
+    CRLEIndexCreate level;
+    level.Level(9);
+    level.Add(9, 9);
+    EXPECT_EQ(LoadExact(level, BE({36, 0, 3, 0x7FFFFFFF, 2, 0, 1, 5, 7})), 0);
+    EXPECT_EQ(level.Level(), 9);
+    EXPECT_EQ(level.RowCount(), 1);
+    EXPECT_EQ(LoadExact(level, BE({36, 0, 3, 0x7FFFFFFE, 2, 0, 1, 5, 7})), 36);
+    EXPECT_EQ(level.EndRow(), 0x7FFFFFFF);
+    EXPECT_TRUE(level.IsExist(0x7FFFFFFF, 6));
+    CRLEIndex index;
+    EXPECT_EQ(
+        LoadExact(index, Cat({kHeader, kSmallLevel, BE({36, 0, 3, 0x7FFFFFFF, 2, 0, 1, 5, 7})})),
+        44);
+    EXPECT_EQ(index.LevelCount(), 1);
+}
