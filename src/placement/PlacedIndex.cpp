@@ -81,6 +81,8 @@ void CPlacedIndex::Clear() {
     m_entries.clear();
     m_runs.clear();
     m_large.clear();
+    m_drawn.clear();
+    m_occupancy.Clear();
     // Buckets keep their capacity for the next pass.
     for (uint32_t used : m_used)
         m_grid[used].clear();
@@ -98,10 +100,15 @@ void CPlacedIndex::Cover(long long width, long long height) {
     }
     m_wantColumns = columns;
     m_wantRows = rows;
+    m_wantCellColumns = std::max(0LL, width);
+    m_wantCellRows = std::max(0LL, height);
     if (!m_filed) ApplyCover();
 }
 
 void CPlacedIndex::ApplyCover() {
+    if (m_wantCellColumns != m_occupancy.Columns() || m_wantCellRows != m_occupancy.Rows()) {
+        m_occupancy.Cover(m_wantCellColumns, m_wantCellRows);
+    }
     if (m_wantColumns == m_columns && m_wantRows == m_rows) return;
     m_columns = m_wantColumns;
     m_rows = m_wantRows;
@@ -155,9 +162,17 @@ void CPlacedIndex::Insert(CAvoidObject* obj) {
     if (!obj->IsValid()) return;
     Box bounds;
     if (!BoundsOf(*obj, bounds)) bounds = kEverywhere;
-    Entry entry{bounds, obj->MaxExtent(), obj, obj->Offset(), 0, 0, 0, false};
-    if (bounds != kEverywhere && obj->Boxes().empty() && obj->RowsRegular()) CopyRows(*obj, entry);
+    Entry entry{bounds, obj->MaxExtent(), obj, obj->Offset(), 0, 0, 0, false, false};
+    const bool plain = bounds != kEverywhere && obj->Boxes().empty() && obj->RowsRegular();
     const auto number = static_cast<uint32_t>(m_entries.size());
+    if (plain && m_occupancy.Covers(bounds.left, bounds.top, bounds.right, bounds.bottom)) {
+        entry.drawn = true;
+        m_entries.push_back(entry);
+        m_drawn.push_back(number);
+        Draw(*obj);
+        return;
+    }
+    if (plain) CopyRows(*obj, entry);
     m_entries.push_back(entry);
     if (bounds == kEverywhere || BucketCount(bounds) > kMaxBuckets) {
         m_large.push_back(number);
@@ -194,14 +209,63 @@ bool CPlacedIndex::Collide(const Entry& e, const Query& q) const {
     return false;
 }
 
+namespace {
+
+// The occupied cells of obj's rows within its run extent r at its offset, clipped to the
+// columns [left, right] and rows [top, bottom]: calls visit(row, first, last) for each interval
+// until it returns true.
+template <typename Visit>
+bool ForEachCell(const CAvoidObject& obj, long long left, long long top, long long right,
+                 long long bottom, Visit visit) {
+    const Box r = obj.RLEMaxExtent();
+    const Location offset = obj.Offset();
+    left = std::max<long long>(left, r.left);
+    right = std::min<long long>(right, r.right);
+    top = std::max<long long>(top, r.top);
+    bottom = std::min<long long>(bottom, r.bottom);
+    if (left > right) return false;
+    const CRLEIndexQuery& grid = obj.Grid();
+    for (long long y = top; y <= bottom; ++y) {
+        const RLERowRuns* runs = grid.RowRuns(static_cast<int>(y - offset.y));
+        if (runs == nullptr) continue;
+        kxac::RowCells cells(kxac::RowSpan(*runs), offset.x, left);
+        long long lo = 0, hi = 0;
+        while (cells.Next(lo, hi) && lo <= right) {
+            lo = std::max(lo, left);
+            hi = std::min(hi, right);
+            if (lo <= hi && visit(y, lo, hi)) return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+void CPlacedIndex::Draw(const CAvoidObject& obj) {
+    ForEachCell(obj, LLONG_MIN, LLONG_MIN, LLONG_MAX, LLONG_MAX,
+                [this](long long y, long long lo, long long hi) {
+                    m_occupancy.Set(y, lo, hi);
+                    return false;
+                });
+}
+
+bool CPlacedIndex::HitsDrawn(const CAvoidObject& obj) const {
+    return ForEachCell(
+        obj, 0, 0, m_occupancy.Columns() - 1, m_occupancy.Rows() - 1,
+        [this](long long y, long long lo, long long hi) { return m_occupancy.Any(y, lo, hi); });
+}
+
 bool CPlacedIndex::Collides(CAvoidObject* obj) {
     if (!obj->IsValid() || m_entries.empty()) return false;
     const Box extent = obj->MaxExtent();
     Box bounds;
     const bool bounded = BoundsOf(*obj, bounds);
     const Query query{obj, obj->RLEMaxExtent(), obj->Offset(), bounded && obj->RowsRegular()};
+    // Drawn entries are met through the bitmap by plain queries, one by one by the others.
+    if (query.quick && !m_drawn.empty() && HitsDrawn(*obj)) return true;
     const auto meets = [&](const Entry& e) {
-        return e.bounds.IsIntersect(bounds) && extent.IsIntersect(e.extent) && Collide(e, query);
+        return !(e.drawn && query.quick) && e.bounds.IsIntersect(bounds) &&
+               extent.IsIntersect(e.extent) && Collide(e, query);
     };
     if (!bounded || BucketCount(bounds) > kMaxBuckets) {
         if (!bounded) bounds = kEverywhere;
@@ -210,6 +274,12 @@ bool CPlacedIndex::Collides(CAvoidObject* obj) {
     for (uint32_t number : m_large) {
         if (meets(m_entries[number])) return true;
     }
+    if (!query.quick) {
+        for (uint32_t number : m_drawn) {
+            if (meets(m_entries[number])) return true;
+        }
+    }
+    if (m_drawn.size() == m_entries.size()) return false;
     const long long col0 = BucketOf(bounds.left);
     const long long row0 = BucketOf(bounds.top);
     const long long col1 = BucketOf(bounds.right);

@@ -10,6 +10,11 @@
 // pass to pass; buckets off the canvas are kept in a hash map. A bucket holds each object's
 // bounds, so most objects are passed over without touching them, and objects of plain runs are
 // tested against a copy of their rows kept here, without touching them either.
+//
+// Objects of plain runs (no boxes, regular rows, exact bounds) that lie wholly on the canvas are
+// not kept in buckets at all: their cells are drawn into a bitmap of the canvas, and a query of
+// plain runs tests its own cells against the bitmap, a few words per row. Queries of any other
+// kind still meet these objects one by one, by their own footprint test.
 #pragma once
 
 #include <cstddef>
@@ -21,6 +26,7 @@
 #include "index/RLEIndex.h"
 #include "placement/ChangeSignal.h"
 #include "placement/Geometry.h"
+#include "placement/Occupancy.h"
 
 class CAvoidObject;
 
@@ -67,6 +73,8 @@ private:
         uint32_t rowCount;
         size_t firstRun;
         bool quick;
+        // Drawn in the bitmap instead of filed in buckets.
+        bool drawn;
     };
     // What a bucket holds of an entry: enough for the bounds test.
     struct Slot {
@@ -84,6 +92,10 @@ private:
 
     // Whether the entry's object, as the receiver, collides with the query's object.
     bool Collide(const Entry& e, const Query& q) const;
+    // Draws the cells of obj within its run extent at its offset into the bitmap.
+    void Draw(const CAvoidObject& obj);
+    // Whether some cell of obj within its run extent at its offset is set in the bitmap.
+    bool HitsDrawn(const CAvoidObject& obj) const;
     // Copies obj's rows into m_runs and makes the entry quick; false, copying nothing, for a
     // grid of more runs than an int counts.
     bool CopyRows(const CAvoidObject& obj, Entry& e);
@@ -98,6 +110,11 @@ private:
     std::vector<RLE> m_runs;
     // Entries too large for buckets and entries without bounds.
     std::vector<uint32_t> m_large;
+    // Entries drawn in the bitmap.
+    std::vector<uint32_t> m_drawn;
+    kxac::Occupancy m_occupancy;
+    long long m_wantCellColumns = 0;
+    long long m_wantCellRows = 0;
     // Buckets of the canvas, row by row, m_columns per row.
     std::vector<Bucket> m_grid;
     long long m_columns = 0;

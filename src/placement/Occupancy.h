@@ -1,0 +1,53 @@
+// Occupancy of the canvas: one bit per cell, 64 cells to a word, row by row.
+//
+// The placed objects whose footprint is plain runs lying wholly on the canvas are drawn here, so
+// that testing a candidate against all of them costs a few word tests per row of the candidate,
+// however many objects are placed. Clearing touches only the rows that were drawn in.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "stdafx.h"
+
+namespace kxac {
+
+class KXAC_API Occupancy {
+public:
+    // Covers cells 0 .. columns - 1 by 0 .. rows - 1, all free. Columns and rows are capped so
+    // that the bitmap stays within kMaxWords words; what lies beyond is not covered.
+    void Cover(long long columns, long long rows);
+    long long Columns() const { return m_columns; }
+    long long Rows() const { return m_rows; }
+    // Whether the cell rectangle lies wholly inside the covered cells.
+    bool Covers(long long left, long long top, long long right, long long bottom) const {
+        return left >= 0 && top >= 0 && right < m_columns && bottom < m_rows && left <= right &&
+               top <= bottom;
+    }
+
+    // Cells first .. last of a covered row; the span must lie inside the covered columns.
+    void Set(long long row, long long first, long long last);
+    // Whether any cell first .. last of a covered row is set.
+    bool Any(long long row, long long first, long long last) const;
+    // Frees every cell.
+    void Clear();
+
+    static constexpr size_t kMaxWords = size_t{1} << 22;
+
+private:
+    uint64_t* Row(long long row) { return m_bits.data() + static_cast<size_t>(row) * m_stride; }
+    const uint64_t* Row(long long row) const {
+        return m_bits.data() + static_cast<size_t>(row) * m_stride;
+    }
+
+    std::vector<uint64_t> m_bits;
+    size_t m_stride = 0;
+    long long m_columns = 0;
+    long long m_rows = 0;
+    // The rows drawn in since the last Clear: firstDrawn > lastDrawn when none.
+    long long m_firstDrawn = 0;
+    long long m_lastDrawn = -1;
+};
+
+}  // namespace kxac
