@@ -184,6 +184,9 @@ private:
     // Rasterises the polygon in m_polygon (subpixel coordinates, not yet truncated).
     void DrawPolygon();
     void DrawSegment(int x0, int y0, int x1, int y1, int width);
+    // Adds the cells of a polygon that is a rectangle on cell corners, with these bounds in
+    // subpixels, as the sweep would.
+    void DrawCellRectangle(double minX, double minY, double maxX, double maxY);
     // Whether the closed rectangle of the canvas misses the bounding box.
     bool OutsideCanvas(double minX, double minY, double maxX, double maxY);
     // The runs-against-runs part of IsIntersect(o).

@@ -68,7 +68,36 @@ int* ToCells(CDT* dt, const double* xy, int count) {
     return cells;
 }
 
+// Whether the closed polygon (x, y pairs in subpixels; a last point repeating the first is
+// allowed) is a rectangle with sides along the axes and corners on cell corners.
+bool IsCellRectangle(const std::vector<double>& p) {
+    size_t n = p.size() / 2;
+    if (n == 5 && p[8] == p[0] && p[9] == p[1]) n = 4;
+    if (n != 4) return false;
+    for (size_t i = 0; i < 8; ++i) {
+        if (std::fmod(p[i], kSubpixels) != 0) return false;
+    }
+    const bool horizontalFirst = p[1] == p[3] && p[2] == p[4] && p[5] == p[7] && p[6] == p[0];
+    const bool verticalFirst = p[0] == p[2] && p[3] == p[5] && p[4] == p[6] && p[7] == p[1];
+    return horizontalFirst || verticalFirst;
+}
+
 }  // namespace
+
+// The sweep gives such a rectangle the cells left .. right - 1 of the rows top .. bottom - 1,
+// clipped to the raster, one span a row from the top: the same spans are added here directly.
+void CAvoidObject::DrawCellRectangle(double minX, double minY, double maxX, double maxY) {
+    const long long left = std::max<long long>(static_cast<long long>(minX / kSubpixels), 0);
+    const long long right =
+        std::min<long long>(static_cast<long long>(maxX / kSubpixels) - 1, width() - 1LL);
+    const long long top = std::max<long long>(static_cast<long long>(minY / kSubpixels), 0);
+    const long long bottom =
+        std::min<long long>(static_cast<long long>(maxY / kSubpixels) - 1, height() - 1LL);
+    if (left > right) return;
+    for (long long row = top; row <= bottom; ++row) {
+        AddRLE(static_cast<int>(row), static_cast<int>(left), static_cast<int>(right));
+    }
+}
 
 bool CAvoidObject::OutsideCanvas(double minX, double minY, double maxX, double maxY) {
     const CDT* dt = CRLERaster::DT();
@@ -95,6 +124,10 @@ void CAvoidObject::DrawPolygon() {
     const bool inRange = CellOf(minX) >= kMinCell && CellOf(maxX) <= kMaxCell &&
                          CellOf(minY) >= kMinCell && CellOf(maxY) <= kMaxCell &&
                          CellOf(maxX) - CellOf(minX) < kMaxColumns;
+    if (inRange && IsCellRectangle(m_polygon)) {
+        DrawCellRectangle(minX, minY, maxX, maxY);
+        return;
+    }
     if (!inRange) {
         const double left = -kMargin * kSubpixels;
         const double right = (std::min(width(), kWindowCells) + kMargin) * kSubpixels;
