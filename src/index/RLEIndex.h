@@ -13,6 +13,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <utility>
 #include <vector>
 
 #include "stdafx.h"
@@ -85,7 +87,68 @@ private:
     }
 };
 
-using RLERowRuns = std::vector<RLE>;
+// The runs of one row, in a vector that holds a single run without allocating: most rows of
+// footprints and of index levels have one run, and a row then costs 16 bytes and no block of its
+// own. The operations are those of std::vector that rows need; positions are plain pointers,
+// invalidated as std::vector's are.
+class KXAC_API RLERowRuns {
+public:
+    using value_type = RLE;
+    using size_type = size_t;
+    using iterator = RLE*;
+    using const_iterator = const RLE*;
+
+    RLERowRuns() noexcept : m_inline() {}
+    RLERowRuns(std::initializer_list<RLE> runs);
+    RLERowRuns(const RLERowRuns& o);
+    RLERowRuns(RLERowRuns&& o) noexcept;
+    RLERowRuns& operator=(const RLERowRuns& o);
+    RLERowRuns& operator=(RLERowRuns&& o) noexcept;
+    ~RLERowRuns() { Free(); }
+
+    RLE* data() { return Heap() ? m_heap : &m_inline; }
+    const RLE* data() const { return Heap() ? m_heap : &m_inline; }
+    size_t size() const { return m_size; }
+    bool empty() const { return m_size == 0; }
+    size_t capacity() const { return m_capacity; }
+    iterator begin() { return data(); }
+    iterator end() { return data() + m_size; }
+    const_iterator begin() const { return data(); }
+    const_iterator end() const { return data() + m_size; }
+    RLE& operator[](size_t i) { return data()[i]; }
+    const RLE& operator[](size_t i) const { return data()[i]; }
+    RLE& front() { return data()[0]; }
+    const RLE& front() const { return data()[0]; }
+    RLE& back() { return data()[m_size - 1]; }
+    const RLE& back() const { return data()[m_size - 1]; }
+
+    // Throws std::length_error("vector::reserve") beyond the largest count a row holds.
+    void reserve(size_t n);
+    void clear() { m_size = 0; }
+    void pop_back() { --m_size; }
+    void swap(RLERowRuns& o) noexcept;
+    void push_back(const RLE& run) { insert(end(), run); }
+    template <typename... Args>
+    void emplace_back(Args&&... args) {
+        push_back(RLE(std::forward<Args>(args)...));
+    }
+    void assign(size_t n, const RLE& run);
+    iterator insert(const_iterator position, const RLE& run);
+    iterator erase(const_iterator position) { return erase(position, position + 1); }
+    iterator erase(const_iterator first, const_iterator last);
+
+private:
+    bool Heap() const { return m_capacity > 1; }
+    void Free();
+
+    union {
+        RLE m_inline;
+        RLE* m_heap;
+    };
+    uint32_t m_size = 0;
+    uint32_t m_capacity = 1;
+};
+
 using RLERows = std::vector<RLERowRuns>;
 
 // True for a run q when r holds q's start or q's end.

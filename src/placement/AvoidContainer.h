@@ -191,8 +191,8 @@ private:
     bool OutsideCanvas(double minX, double minY, double maxX, double maxY);
     // The runs-against-runs part of IsIntersect(o).
     bool RunsMeet(CAvoidObject* o) const;
-    // Empties the grid, keeping the row vectors' memory in m_spareRows for the next footprint.
-    void RecycleRows();
+    // Empties the grid, keeping the room of a few rows for the next footprint.
+    void ReleaseRows();
 
     long long m_id = 0;
     std::string m_stringId;
@@ -200,9 +200,6 @@ private:
     // Scratch of the polygon being drawn and of its clipping; reused, only grows.
     std::vector<double> m_polygon;
     std::vector<double> m_clipped;
-    // Emptied row vectors with their capacity, handed to rows that AddRLE makes. Bounded in
-    // number and size, so that one large footprint does not pin its memory to a pooled object.
-    RLERows m_spareRows;
     std::shared_ptr<kxac::ChangeSignal> m_watch;
 };
 

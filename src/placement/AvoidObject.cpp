@@ -55,10 +55,8 @@ bool QuarterSearch(const CRLEIndexQuery& g, const Box& b) {
     return false;
 }
 
-// Row vectors kept by an object for its next footprint: at most this many, of at most this
-// many runs each.
-constexpr size_t kMaxSpareRows = 256;
-constexpr size_t kMaxSpareRuns = 64;
+// Rows whose room a reset object keeps for its next footprint.
+constexpr size_t kMaxKeptRows = 256;
 
 // Offsets and run extents within this bound keep every shifted coordinate of a run test inside
 // 32 bits, so canvas and grid cells correspond without wrapping.
@@ -76,7 +74,7 @@ CAvoidObject::~CAvoidObject() = default;
 
 void CAvoidObject::Reset() {
     Changed();
-    RecycleRows();
+    ReleaseRows();
     m_boxes.clear();
     m_offsets.clear();
     m_offsets.emplace_back(0, 0);
@@ -115,15 +113,10 @@ void CAvoidObject::AddBox(const Envelope& envelope) {
                MapToCellX(*dt, envelope.x2), MapToCellY(*dt, envelope.y2)));
 }
 
-void CAvoidObject::RecycleRows() {
+void CAvoidObject::ReleaseRows() {
     RLERows& rows = *this;
-    for (RLERowRuns& runs : rows) {
-        if (runs.capacity() == 0 || runs.capacity() > kMaxSpareRuns) continue;
-        if (m_spareRows.size() >= kMaxSpareRows) break;
-        runs.clear();
-        m_spareRows.push_back(std::move(runs));
-    }
-    if (rows.capacity() > kMaxSpareRows) {
+    // A pooled object keeps room for the rows of a label, not for those of its largest footprint.
+    if (rows.capacity() > kMaxKeptRows) {
         RLERows().swap(rows);
     } else {
         rows.clear();
@@ -132,13 +125,6 @@ void CAvoidObject::RecycleRows() {
 
 void CAvoidObject::AddRLE(int row, int first, int last) {
     Changed();
-    if (!m_spareRows.empty()) {
-        const RLERows::iterator p = Row(row, true);
-        if (p->capacity() == 0) {
-            p->swap(m_spareRows.back());
-            m_spareRows.pop_back();
-        }
-    }
     Add(row, first, last);
     m_regularity = Regularity::kUnknown;
 }

@@ -74,8 +74,10 @@ bool IsCellRectangle(const std::vector<double>& p) {
     size_t n = p.size() / 2;
     if (n == 5 && p[8] == p[0] && p[9] == p[1]) n = 4;
     if (n != 4) return false;
+    // Called on polygons within the rasterizer's range, where every value fits a long long.
     for (size_t i = 0; i < 8; ++i) {
-        if (std::fmod(p[i], kSubpixels) != 0) return false;
+        const auto v = static_cast<long long>(p[i]);
+        if (static_cast<double>(v) != p[i] || v % agg::subpixel_scale != 0) return false;
     }
     const bool horizontalFirst = p[1] == p[3] && p[2] == p[4] && p[5] == p[7] && p[6] == p[0];
     const bool verticalFirst = p[0] == p[2] && p[3] == p[5] && p[4] == p[6] && p[7] == p[1];
