@@ -117,4 +117,77 @@ class AvoidContainerTest {
             assertFalse(obj.add(), "the offset that would have freed it is gone");
         }
     }
+
+    @Test
+    void rectsCollideWhereBoxesAloneNeverDo() {
+        try (AvoidContainer container = canvas()) {
+            assertTrue(container.newObject().addRect(10, 10, 29, 19).add());
+            AvoidObject overlapping = container.newObject().addRect(20, 15, 39, 24);
+            assertFalse(overlapping.add(), "rectangles of cells collide");
+            AvoidObject touching = container.newObject().addRect(30, 10, 49, 19);
+            assertTrue(touching.add(), "the cells of two rects next to each other do not overlap");
+            AvoidObject corner = container.newObject().addRect(49, 19, 60, 30);
+            assertFalse(corner.add(), "a shared corner cell is an overlap");
+
+            assertTrue(container.newObject().addBox(0, 0, 199, 99).add());
+            assertTrue(container.newObject().addBox(0, 0, 199, 99).add(),
+                    "boxes alone never collide, not even with cells or each other");
+        }
+    }
+
+    @Test
+    void boxesBlockOnlyTheCellsOfLaterObjects() {
+        try (AvoidContainer container = canvas()) {
+            container.newObject().addRect(100, 10, 101, 11).addBox(100, 50, 150, 90).add();
+            assertFalse(container.newObject().addRect(120, 60, 130, 70).add(),
+                    "a placed object's box blocks the cells of a later one");
+            assertTrue(container.newObject().addRect(10, 60, 30, 70).add());
+            AvoidObject later = container.newObject().addRect(180, 10, 181, 11).addBox(0, 50, 50, 90);
+            assertTrue(later.add(), "a later object's box does not see cells placed before it");
+        }
+    }
+
+    @Test
+    void classicMistakesThrowWithWhatToDo() {
+        try (AvoidContainer container = new AvoidContainer()) {
+            AvoidObject early = container.newObject();
+            IllegalStateException noCanvas = assertThrows(IllegalStateException.class,
+                    () -> early.addRect(0, 0, 10, 10));
+            assertTrue(noCanvas.getMessage().contains("setDeviceRect"), noCanvas.getMessage());
+            assertAllThrow(IllegalStateException.class, () -> early.addBox(0, 0, 1, 1),
+                    () -> early.addLine(new int[] {0, 0, 5, 5}, 1), () -> early.addRing(0, 0, 5, 0, 5, 5),
+                    () -> container.setMapExtent(0, 0, 10, 10));
+
+            assertAllThrow(IllegalArgumentException.class,
+                    () -> container.setDeviceRect(0, 0, 0, 100),
+                    () -> container.setDeviceRect(0, 0, 100, -1),
+                    () -> container.setDeviceRect(50, 50, 10, 10));
+            assertFalse(container.hasDeviceRect(), "a rejected rect sets nothing");
+            container.setDeviceRect(0, 0, 100, 100);
+            assertAllThrow(IllegalArgumentException.class,
+                    () -> container.setMapExtent(Double.NaN, 0, 10, 10),
+                    () -> container.setMapExtent(0, 0, Double.POSITIVE_INFINITY, 10),
+                    () -> container.setMapExtent(0, Double.NEGATIVE_INFINITY, 10, 10),
+                    () -> container.setMapExtent(10, 0, 0, 10),
+                    () -> container.setMapExtent(0, 5, 10, 5));
+            container.setMapExtent(0, 0, 10, 10);
+
+            AvoidObject obj = container.newObject();
+            IllegalArgumentException width = assertThrows(IllegalArgumentException.class,
+                    () -> obj.addLine(new int[] {0, 0, 50, 50}, -2));
+            assertTrue(width.getMessage().contains("-2"), width.getMessage());
+            assertAllThrow(IllegalArgumentException.class,
+                    () -> obj.addLine(new int[] {0, 0, 50, 50}, 0),
+                    () -> obj.addLine(new int[] {0, 0, 50, 50, 50, 50, 60, 60}, 1),
+                    () -> obj.addRect(10, 0, 9, 5), () -> obj.addRect(0, 10, 5, 9));
+            assertThrows(IllegalStateException.class, () -> early.addRect(0, 0, 10, 10),
+                    "an object from before the canvas stays without one");
+        }
+    }
+
+    @Test
+    void versionIsTheReleasedOne() {
+        assertTrue(AvoidContainer.version().matches("\\d+\\.\\d+\\.\\d+(-SNAPSHOT)?"),
+                AvoidContainer.version());
+    }
 }
