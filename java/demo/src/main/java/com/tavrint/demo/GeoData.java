@@ -27,12 +27,16 @@ public final class GeoData {
     public static List<City> readCities(Path file) throws IOException {
         try (BufferedReader in = Files.newBufferedReader(file, StandardCharsets.UTF_8)) {
             return parseCities(in);
+        } catch (IOException e) {
+            throw inFile(file, e);
         }
     }
 
     public static List<Polyline> readPolylines(Path file) throws IOException {
         try (BufferedReader in = Files.newBufferedReader(file, StandardCharsets.UTF_8)) {
             return parsePolylines(in);
+        } catch (IOException e) {
+            throw inFile(file, e);
         }
     }
 
@@ -82,6 +86,12 @@ public final class GeoData {
             if (vertices.length >= 2) lines.add(new Polyline(lonLat));
         }
         return lines;
+    }
+
+    // Names the file in the message of a parse error.
+    private static IOException inFile(Path file, IOException e) {
+        if (e instanceof java.nio.file.FileSystemException) return e;
+        return new IOException(file + ": " + e.getMessage(), e);
     }
 
     private static IOException malformed(int lineNo, String what) {

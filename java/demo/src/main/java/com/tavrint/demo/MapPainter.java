@@ -21,12 +21,13 @@ public final class MapPainter {
     private static final Color COAST = new Color(0x6E9CC4);
     private static final Color BORDER = new Color(0xA488AE);
     private static final Color DOT = new Color(0x2F2F2F);
-    private static final Color UNLABELLED_DOT = new Color(0x9A958C);
     private static final Color TEXT = new Color(0x1E1E1E);
     private static final Color HALO = new Color(255, 255, 255, 215);
     private static final Color REJECTED = new Color(200, 40, 40, 90);
     static final String ATTRIBUTION =
             "Cities: GeoNames (www.geonames.org), CC BY 4.0 \u00b7 Made with Natural Earth";
+    static final String LEGEND = "Cities placed by population, each dot with its name; a city"
+            + " whose name finds no room is left out";
     private static final Font ATTRIBUTION_FONT = new Font(Font.SANS_SERIF, Font.PLAIN, 12);
 
     private MapPainter() {}
@@ -53,7 +54,9 @@ public final class MapPainter {
                     if (chosen[i] == LabelPass.REJECTED) paintRejected(g, labels.get(i));
                 }
             }
-            for (int i = 0; i < labels.size(); i++) paintDot(g, labels.get(i), chosen[i] >= 0);
+            for (int i = 0; i < labels.size(); i++) {
+                if (chosen[i] >= 0) paintDot(g, labels.get(i));
+            }
             for (int i = 0; i < labels.size(); i++) {
                 if (chosen[i] >= 0) paintLabel(g, labels.get(i), chosen[i]);
             }
@@ -90,11 +93,10 @@ public final class MapPainter {
         return path;
     }
 
-    // Dots of unlabelled cities are drawn lighter, so that the eye finds the labelled ones.
-    private static void paintDot(Graphics2D g, Label l, boolean labelled) {
+    private static void paintDot(Graphics2D g, Label l) {
         double r = l.style().dotRadius();
         Ellipse2D dot = new Ellipse2D.Double(l.px() + 0.5 - r, l.py() + 0.5 - r, 2 * r, 2 * r);
-        g.setColor(labelled ? DOT : UNLABELLED_DOT);
+        g.setColor(DOT);
         g.fill(dot);
         g.setColor(Color.WHITE);
         g.setStroke(new BasicStroke(0.8f));
@@ -131,17 +133,20 @@ public final class MapPainter {
      * pass keeps labels off it.
      */
     public static int[] attributionBox(int width, int height) {
-        int w = (int) Math.ceil(ATTRIBUTION_FONT.getStringBounds(ATTRIBUTION,
-                LabelStyle.RENDER_CONTEXT).getWidth());
-        return new int[] {width - w - 12, height - 21, width - 1, height - 1};
+        double w = Math.max(
+                ATTRIBUTION_FONT.getStringBounds(ATTRIBUTION, LabelStyle.RENDER_CONTEXT).getWidth(),
+                ATTRIBUTION_FONT.getStringBounds(LEGEND, LabelStyle.RENDER_CONTEXT).getWidth());
+        return new int[] {width - (int) Math.ceil(w) - 12, height - 37, width - 1, height - 1};
     }
 
     private static void paintAttribution(Graphics2D g, Projection p) {
         int[] box = attributionBox(p.width(), p.height());
         g.setColor(new Color(255, 255, 255, 200));
         g.fillRect(box[0], box[1], box[2] - box[0] + 1, box[3] - box[1] + 1);
-        g.setColor(new Color(0x505050));
         g.setFont(ATTRIBUTION_FONT);
+        g.setColor(new Color(0x303030));
+        g.drawString(LEGEND, box[0] + 6, p.height() - 23);
+        g.setColor(new Color(0x606060));
         g.drawString(ATTRIBUTION, box[0] + 6, p.height() - 7);
     }
 }

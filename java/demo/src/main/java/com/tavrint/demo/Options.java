@@ -12,7 +12,7 @@ public record Options(int width, int height, double[] window, int cities, int sp
             "  --window W,S,E,N        lon/lat window in degrees (-11,34.5,41,61.5: Europe)",
             "  --cities N              label the N most populous cities in the window (1500)",
             "  --spacing N             leave out cities within N pixels (more round big cities) of a larger one (12)",
-            "  --out FILE              output picture (out/demo.png)",
+            "  --out FILE              output picture (out/demo.png); the label list goes beside it",
             "  --show-rejected         draw the labels that found no place, faintly",
             "  --data DIR              folder of cities.tsv, borders.tsv, coastline.tsv (data)",
             "  --coast obstacle|drawn  whether labels must keep off the coastline (drawn)");
@@ -34,7 +34,10 @@ public record Options(int width, int height, double[] window, int cities, int sp
                 showRejected = true;
                 continue;
             }
-            if (i + 1 >= args.length) throw new IllegalArgumentException("missing value: " + a);
+            if (!VALUED.contains(a)) throw new IllegalArgumentException("unknown option " + a);
+            if (i + 1 >= args.length) {
+                throw new IllegalArgumentException("option " + a + " needs a value");
+            }
             String v = args[++i];
             switch (a) {
                 case "--width" -> width = positive(a, v, MAX_SIDE);
@@ -56,6 +59,9 @@ public record Options(int width, int height, double[] window, int cities, int sp
         return new Options(width, height, window, cities, spacing, out, showRejected, dataDir,
                 coastAsObstacle);
     }
+
+    private static final java.util.Set<String> VALUED = java.util.Set.of("--width", "--height",
+            "--cities", "--spacing", "--out", "--data", "--window", "--coast");
 
     // Bounds the canvas so that the picture stays within a few hundred megabytes of memory.
     private static final int MAX_SIDE = 10000;

@@ -37,8 +37,8 @@ public final class Scene {
      * Projects the data: the first maxCities cities (most populous first) whose pixel lies on the
      * canvas and outside the room of every city taken before, and every border and coast line
      * that meets the canvas. A city's room is a circle of spacing pixels times its style's room
-     * factor, so a large city keeps the space its label needs free of its suburbs' dots, which
-     * would otherwise crowd its label off the map.
+     * factor, so that a large city's suburbs do not crowd the map around its name; a city of a
+     * million or more yields only to a city within spacing pixels.
      */
     public static Scene build(Projection projection, List<City> cities, List<Polyline> borders,
             List<Polyline> coast, int maxCities, int spacing) {
@@ -52,7 +52,10 @@ public final class Scene {
             double x = projection.x(c.lon());
             double y = projection.y(c.lat());
             LabelStyle style = LabelStyle.forPopulation(c.population());
-            if (!rooms.tryTake(x, y, spacing * style.roomFactor())) continue;
+            // A city of a million or more gives way only to a city within the base spacing (the
+            // same place under another name), not to the wider room of a larger neighbour.
+            double yieldsWithin = style == LabelStyle.CAPITAL_SIZE ? spacing : Double.MAX_VALUE;
+            if (!rooms.tryTake(x, y, spacing * style.roomFactor(), yieldsWithin)) continue;
             int[] size = style.measure(c.name());
             Candidates cand = Candidates.around(x, y, style.clearance(), size[0], size[1], w, h);
             s.labels.add(new Label(c, style, (int) x, (int) y, cand));
@@ -73,15 +76,18 @@ public final class Scene {
             this.cell = Math.max(1.0, minRadius);
         }
 
-        // Takes (x, y) with the given radius unless it lies in the circle of a point taken.
-        boolean tryTake(double x, double y, double radius) {
+        // Takes (x, y) with the given radius unless it lies in the circle of a point taken, each
+        // circle's radius capped at yieldsWithin.
+        boolean tryTake(double x, double y, double radius, double yieldsWithin) {
             long cx = (long) Math.floor(x / cell);
             long cy = (long) Math.floor(y / cell);
             long reach = (long) Math.ceil(maxRadius / cell);
             for (long i = cx - reach; i <= cx + reach; i++) {
                 for (long j = cy - reach; j <= cy + reach; j++) {
                     for (double[] p : cells.getOrDefault(key(i, j), List.of())) {
-                        if (Math.hypot(p[0] - x, p[1] - y) < p[2]) return false;
+                        if (Math.hypot(p[0] - x, p[1] - y) < Math.min(p[2], yieldsWithin)) {
+                            return false;
+                        }
                     }
                 }
             }

@@ -39,4 +39,16 @@ class OptionsTest {
                 assertThrows(IllegalArgumentException.class, () -> Options.parse(args));
         assertTrue(e.getMessage().contains(args[0]), e.getMessage());
     }
+
+    @Test
+    void unknownOptionsAreCalledUnknownEvenWithoutAValue() {
+        for (String bogus : new String[] {"--bogus", "-x", "extra"}) {
+            IllegalArgumentException e =
+                    assertThrows(IllegalArgumentException.class, () -> Options.parse(bogus));
+            assertEquals("unknown option " + bogus, e.getMessage());
+        }
+        assertEquals("option --out needs a value",
+                assertThrows(IllegalArgumentException.class, () -> Options.parse("--out"))
+                        .getMessage());
+    }
 }
