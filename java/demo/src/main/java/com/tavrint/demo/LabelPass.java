@@ -213,7 +213,11 @@ public final class LabelPass {
 
     /** The cells of candidate k of a label: left, top, right, bottom. */
     static int[] labelBox(Label l, int k) {
-        Candidates c = l.candidates();
+        return labelBoxOf(l.candidates(), k);
+    }
+
+    /** The cells of candidate k: left, top, right, bottom. */
+    static int[] labelBoxOf(Candidates c, int k) {
         return new int[] {c.left(k), c.top(k), c.left(k) + c.width() - 1,
             c.top(k) + c.height() - 1};
     }

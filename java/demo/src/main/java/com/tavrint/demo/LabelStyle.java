@@ -20,6 +20,9 @@ public enum LabelStyle {
     MEDIUM(50_000, Font.PLAIN, 12f, 2, 1.25),
     SMALL(0, Font.PLAIN, 10.5f, 2, 1.0);
 
+    /** The font family of every label: DejaVu Sans when installed, else the JDK's sans. */
+    public static final String FAMILY = Family.NAME;
+
     /** Padding around the text, in pixels, taken by the halo. */
     public static final int HALO = 1;
 
