@@ -51,4 +51,32 @@ class OptionsTest {
                 assertThrows(IllegalArgumentException.class, () -> Options.parse("--out"))
                         .getMessage());
     }
+
+    @Test
+    void streetOptionsRefuseUnknownMissingAndOutOfRangeValues() {
+        StreetsDemo.Options d = StreetsDemo.Options.parse();
+        assertEquals(Path.of("data", "helsinki"), d.dataDir());
+        assertEquals(2.5, StreetsDemo.Options.parse("--scale", "2.5").scale());
+        for (String[] bad : new String[][] {{"--bogus"}, {"--scale"}, {"--scale", "0"},
+                 {"--repeat", "-1"}, {"--scale", "NaN"}}) {
+            IllegalArgumentException e = assertThrows(
+                    IllegalArgumentException.class, () -> StreetsDemo.Options.parse(bad));
+            assertTrue(e.getMessage().contains(bad[0]), e.getMessage());
+        }
+    }
+
+    @Test
+    void missingDataIsNamedInOneLine(@org.junit.jupiter.api.io.TempDir Path dir)
+            throws java.io.IOException {
+        java.io.IOException noDir = assertThrows(java.io.IOException.class,
+                () -> DataFiles.require(dir.resolve("absent"), "cities.tsv"));
+        assertTrue(DataFiles.describe(noDir).contains("data folder not found"));
+        java.io.IOException noFile = assertThrows(java.io.IOException.class,
+                () -> DataFiles.require(dir, "cities.tsv"));
+        String line = DataFiles.describe(noFile);
+        assertTrue(line.contains("cities.tsv") && line.contains("--data") && !line.contains("\n"),
+                line);
+        assertEquals(Path.of("out", "map-labels.tsv"),
+                DataFiles.listBeside(Path.of("out", "map.png"), "-labels.tsv"));
+    }
 }
