@@ -44,6 +44,8 @@ public final class CAvoidContainerWrap {
      * device rectangle (left, top, right, bottom) and the map extent held is refitted to it; then,
      * if {@code extent} has at least four elements, they set the map extent (x1, y1, x2, y2),
      * widened about its centre to the rectangle's proportions. Shorter or null arrays are skipped.
+     * Nothing is checked: an empty or inverted rectangle, or an extent with NaN or infinite values,
+     * is stored as given ({@link AvoidContainer} refuses them).
      */
     public static native void AvoidContainerExtent(long c, int[] rect, double[] extent);
 
@@ -110,7 +112,14 @@ public final class CAvoidContainerWrap {
     /** Leaves (0, 0) as the object's only candidate offset. */
     public static native void AvoidObject_ClearOffset(long obj);
 
-    /** Adds a rectangle of cells, inclusive on all sides, to the object's footprint. */
+    /**
+     * Adds a box, inclusive on all sides, to the object's footprint. A box is not a set of cells:
+     * an object whose footprint has boxes but no cells never collides and is always placed. The
+     * box test is one-sided: the boxes of an object already placed are tested against the boxes
+     * and cells of a later object, but the boxes of the later object are not tested against the
+     * cells placed before it. For a rectangle that collides, add it as a ring ({@link
+     * #AvoidObject_AddRing}) or use {@link AvoidObject#addRect}.
+     */
     public static native void AvoidObject_AddBox(
             long obj, int left, int top, int right, int bottom);
 
