@@ -1,6 +1,7 @@
 # Top-level jobs. Each installs what it needs and the machine lacks, then configures and builds.
 #   make test   every test suite: C++ (plain and sanitized), fuzzing, install check, Java
 #   make demo   labels a map of Europe from data/ through the library, writes out/demo.png
+#   make demo-streets  a street map of central Helsinki with names along the streets
 #   make bench  the benchmark suite, results in out/bench/
 
 JOBS ?= 2
@@ -10,7 +11,7 @@ FUZZ_SECONDS ?= 600
 # Time budget of the straightforward pass in the placement comparison, in seconds.
 COMPARE_SECONDS ?= 120
 
-.PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo
+.PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo demo-streets java-package
 
 test: test-native test-asan test-fuzz test-java
 
@@ -34,11 +35,17 @@ test-asan: asan
 deps-java:
 	bash .ci/deps.sh java
 
-# The Java module's tests against the plain build's library, then the packaged jar from a plain
-# class path (the library must come out of the jar).
+# The Java build (java/pom.xml): the library jar (java/library, with sources and Javadoc jars) and
+# the demos and benchmarks (java/demo). The version is the parent pom's.
+JAVA_VERSION := $(shell sed -n 's:^  <version>\(.*\)</version>:\1:p' java/pom.xml | head -n 1)
+LIB_JAR = java/library/target/kxavoidcontainer-$(JAVA_VERSION).jar
+DEMO_CP = $(LIB_JAR):java/demo/target/kxavoidcontainer-demo-$(JAVA_VERSION).jar
+
+# The Java tests of both modules against the plain build's library, then the packaged library jar
+# from a plain class path (the native library must come out of the jar, the demos must not be in it).
 test-java: native deps-java
 	mvn -B -ntp -f java/pom.xml -Dkxac.native.library=$(abspath $(BUILD)/native/libKXAvoidContainer.so) verify
-	java -cp "$$(ls java/target/kxavoidcontainer-*.jar)" tests/binding/JarSmoke.java
+	java -cp "$(LIB_JAR)" tests/binding/JarSmoke.java
 
 # The index loader under libFuzzer (clang, its own build tree). The seed corpus in the repo is
 # only read; new inputs and any crash land in the build tree.
@@ -61,15 +68,23 @@ fuzz: fuzz-build
 # The library of the plain build, the jar around it, and the demo program from the jar. Options
 # go in DEMO_ARGS, e.g. make demo DEMO_ARGS="--window 5,45,16,55 --show-rejected".
 DEMO_ARGS ?=
-MVN_PACKAGE = mvn -B -ntp -q -f java/pom.xml -Dmaven.test.skip=true package
-JAR = $$(ls java/target/kxavoidcontainer-*.jar)
+MVN_PACKAGE = mvn -B -ntp -q -f java/pom.xml -Dmaven.test.skip=true -Dmaven.javadoc.skip=true \
+	-Dmaven.source.skip=true package
 
-demo: deps-build
+java-package: deps-build
 	bash .ci/deps.sh demo
 	cmake -S . -B $(BUILD)/native $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build $(BUILD)/native --target KXAvoidContainer -j $(JOBS)
 	$(MVN_PACKAGE) -Dkxac.native.library=$(abspath $(BUILD)/native/libKXAvoidContainer.so)
-	java -cp "$(JAR)" com.tavrint.demo.Demo $(DEMO_ARGS)
+
+# Writes out/demo.png and out/demo-labels.tsv (every label: placed or not, and where).
+demo: java-package
+	java -cp "$(DEMO_CP)" com.tavrint.demo.Demo $(DEMO_ARGS)
+
+# Writes out/streets.png and out/streets-labels.tsv from data/helsinki/. Options in STREETS_ARGS.
+STREETS_ARGS ?=
+demo-streets: java-package
+	java -cp "$(DEMO_CP)" com.tavrint.demo.StreetsDemo $(STREETS_ARGS)
 
 # Google Benchmark suite (its own optimised build tree), then whole passes through JNI; each
 # prints a table and writes JSON to out/bench/.
@@ -83,7 +98,7 @@ bench: deps-build
 		--benchmark_out_format=json
 	$(BUILD)/bench/bench/kxac_placement_compare $(COMPARE_SECONDS) | tee out/bench/placement_compare.md
 	$(MVN_PACKAGE) -Dkxac.native.library=$(abspath $(BUILD)/bench/libKXAvoidContainer.so)
-	java -cp "$(JAR)" com.tavrint.demo.PassBenchmark out/bench/java.json
+	java -cp "$(DEMO_CP)" com.tavrint.demo.PassBenchmark out/bench/java.json
 
 format:
 	bash .ci/deps.sh format

@@ -9,8 +9,8 @@ public class JarSmoke {
     public static void main(String[] args) {
         try (AvoidContainer container = new AvoidContainer()) {
             container.setDeviceRect(0, 0, 100, 100);
-            AvoidObject first = container.newObject().addRing(10, 10, 30, 10, 30, 20, 10, 20);
-            AvoidObject second = container.newObject().addRing(20, 15, 40, 15, 40, 25, 20, 25);
+            AvoidObject first = container.newObject().addRect(10, 10, 29, 19);
+            AvoidObject second = container.newObject().addRect(20, 15, 39, 24);
             first.add();
             second.add();
             if (!container.placed().equals(List.of(first))
@@ -19,6 +19,14 @@ public class JarSmoke {
                 System.exit(1);
             }
         }
-        System.out.println("jar smoke test: library loaded from the jar, 1 of 2 labels placed");
+        for (String demo : List.of("com.tavrint.demo.Demo", "com.tavrint.demo.PassBenchmark")) {
+            if (JarSmoke.class.getClassLoader().getResource(demo.replace('.', '/') + ".class")
+                    != null) {
+                System.err.println("jar smoke test: the library jar carries " + demo);
+                System.exit(1);
+            }
+        }
+        System.out.println("jar smoke test: kxavoidcontainer " + AvoidContainer.version()
+                + ", library loaded from the jar, 1 of 2 labels placed, no demo classes");
     }
 }
