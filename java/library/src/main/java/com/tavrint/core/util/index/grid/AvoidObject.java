@@ -118,8 +118,10 @@ public final class AvoidObject {
      * of every segment (so {@code 2 * width} cells thick), ending flush at the points (no caps, no
      * joins).
      *
-     * @throws IllegalArgumentException if {@code coords} does not hold (x, y) pairs, if {@code
-     *     width} is below 1, or if two consecutive points are equal
+     * A segment between two equal points draws nothing.
+     *
+     * @throws IllegalArgumentException if {@code coords} does not hold (x, y) pairs or if {@code
+     *     width} is below 1
      * @throws IllegalStateException if the object was taken before the device rect was set
      */
     public AvoidObject addLine(int[] coords, int width) {
@@ -127,12 +129,6 @@ public final class AvoidObject {
         if (width < 1) {
             throw new IllegalArgumentException("line width " + width
                     + " draws no cells: pass the half-width in cells, 1 or more");
-        }
-        for (int i = 2; i + 1 < coords.length; i += 2) {
-            if (coords[i] == coords[i - 2] && coords[i + 1] == coords[i - 1]) {
-                throw new IllegalArgumentException("line repeats the point (" + coords[i] + ", "
-                        + coords[i + 1] + ") at index " + i + ": drop repeated points");
-            }
         }
         try {
             CAvoidContainerWrap.AvoidObject_AddLines(footprintHandle(), coords, width);
