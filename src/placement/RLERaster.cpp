@@ -1,10 +1,11 @@
 #include "placement/RLERaster.h"
 
+#include <cassert>
 #include <cstring>
 
 namespace {
 
-// The table of gamma 1.3, computed once: every object's rasterizer starts from it.
+// The table of gamma 1.3, computed once.
 const unsigned char* Gamma13() {
     struct Table {
         unsigned char values[256];
@@ -22,10 +23,7 @@ const unsigned char* Gamma13() {
 
 CRLECreate::~CRLECreate() = default;
 
-CRLERaster::CRLERaster() : agg::rendering_buffer(nullptr, 0, 0, 0), target(this) {
-    rasterizer.gamma(Gamma13());
-    rasterizer.fill_rule(1);
-}
+CRLERaster::CRLERaster() : agg::rendering_buffer(nullptr, 0, 0, 0) {}
 
 CRLERaster::~CRLERaster() = default;
 
@@ -39,7 +37,6 @@ CDT* CRLERaster::DT() { return dt; }
 
 void CRLERaster::DT(CDT* p) {
     dt = p;
-    rasterizer.share(p != nullptr ? &p->raster : nullptr);
     OnResizeConvas();
 }
 
@@ -51,4 +48,17 @@ void CRLERaster::OnResizeConvas() {
     }
 }
 
-void CRLERaster::Sweep() { rasterizer.render<CRLECreate>(*target); }
+agg::rasterizer& CRLERaster::Rasterizer() {
+    assert(dt != nullptr);
+    agg::rasterizer& r = dt->raster;
+    r.gamma(Gamma13());
+    r.fill_rule(1);
+    r.get_outline().blocks_counted(blocks);
+    return r;
+}
+
+void CRLERaster::Sweep() {
+    agg::rasterizer& r = dt->raster;
+    r.render<CRLECreate>(*this);
+    blocks = r.get_outline().blocks_counted();
+}

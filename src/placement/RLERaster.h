@@ -18,7 +18,9 @@ public:
     virtual void AddRLE(int row, int first, int last) = 0;
 };
 
-// Abstract: the derived object supplies AddRLE. Draws with gamma 1.3 and the even-odd rule.
+// Abstract: the derived object supplies AddRLE. Draws with gamma 1.3 and the even-odd rule, with
+// the rasterizer of the attached transform: the raster itself keeps only its size, the transform
+// and the count of cell blocks its polygons have used (the rasterizer's limit is per raster).
 class KXAC_API CRLERaster : private agg::rendering_buffer, public CRLECreate {
 public:
     CRLERaster();
@@ -41,14 +43,15 @@ protected:
     using agg::rendering_buffer::height;
     using agg::rendering_buffer::width;
 
-    agg::rasterizer& Rasterizer() { return rasterizer; }
+    // The transform's rasterizer, set for this raster; a transform must be attached. The polygon
+    // drawn into its outline must be swept before another raster asks for it.
+    agg::rasterizer& Rasterizer();
     // Sweeps the rasterizer's current outline into this raster: each clipped span goes to
     // AddRLE. Nothing happens when the outline holds no cells.
     void Sweep();
 
 private:
     agg::run_row<CRLECreate> record{0, nullptr};
-    agg::rasterizer rasterizer;
-    agg::rendering_buffer* target;
     CDT* dt = nullptr;
+    unsigned blocks = 0;
 };

@@ -36,8 +36,8 @@ public:
     bool SetSize(uint32_t n);
 };
 
-// Held by value in a container and shared by the objects it hands out, which also draw through
-// its rasterizer scratch, one polygon at a time.
+// Held by value in a container and shared by the objects it hands out, which also draw with its
+// rasterizer, one polygon at a time.
 struct KXAC_API CDT {
     long long originX = 0;
     long long originY = 0;
@@ -49,7 +49,8 @@ struct KXAC_API CDT {
     double maxY = 0.0;
     double resolution = 0.0;
     CGrowBuffer scratch;
-    agg::raster_scratch raster;
+    // The rasterizer every object of the container draws with, one polygon at a time.
+    agg::rasterizer raster;
 };
 
 // Sets the device rectangle (differences taken in 32 bits) and refits the map extent held to it.

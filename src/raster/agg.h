@@ -117,6 +117,10 @@ public:
     const cell* const* cells();
 
     unsigned cell_count() const { return cell_count_; }
+    // The blocks counted against the limit. An outline lent to several owners in turn carries
+    // each owner's count while it draws for it.
+    unsigned blocks_counted() const { return block_count_; }
+    void blocks_counted(unsigned count) { block_count_ = count; }
     int min_x() const { return min_x_; }
     int min_y() const { return min_y_; }
     // One past the largest column and row touched.

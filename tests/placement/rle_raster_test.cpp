@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "placement/AvoidContainer.h"
 #include "placement/RLERaster.h"
 
 namespace {
@@ -43,15 +44,19 @@ public:
 
 TEST(RleRaster, EvenOddWithGammaAndACanvasThatFollowsTheTransform) {
     RecordingRaster r;
+    EXPECT_EQ(r.DT(), nullptr);
+    CDT dt;
+    r.DT(&dt);
+    // The transform's rasterizer, set for the raster whatever it held before.
+    dt.raster.fill_rule(0);
+    dt.raster.gamma(1.0);
     EXPECT_EQ(r.Ras().fill_rule(), 1);
     EXPECT_EQ(r.Ras().gamma_table()[128], 104);
-    EXPECT_EQ(r.DT(), nullptr);
     EXPECT_TRUE(r.Draw(1, 1, 3, 3).empty());  // a zero canvas clips everything
-    CDT dt;
     dt.width = 100;
     dt.height = 50;
     r.DT(&dt);
-    EXPECT_EQ(r.resizes, 1);
+    EXPECT_EQ(r.resizes, 2);
     EXPECT_EQ(std::make_pair(r.Width(), r.Height()), std::make_pair(100u, 50u));
     dt.width = (int64_t{1} << 32) + 7;
     dt.height = -1;
@@ -59,7 +64,7 @@ TEST(RleRaster, EvenOddWithGammaAndACanvasThatFollowsTheTransform) {
     base.OnResizeConvas();
     EXPECT_EQ(std::make_pair(r.Width(), r.Height()), std::make_pair(7u, 0xFFFFFFFFu));
     base.DT(nullptr);
-    EXPECT_EQ(r.resizes, 3);
+    EXPECT_EQ(r.resizes, 4);
     EXPECT_EQ(std::make_pair(r.Width(), r.Height()), std::make_pair(0x7FFFFFFFu, 0x7FFFFFFFu));
 }
 
@@ -85,3 +90,32 @@ TEST(RleRaster, SweepSendsClippedRunsToAddRle) {
 }
 
 }  // namespace
+
+// The objects of a container draw with one rasterizer, but the limit on cell blocks stays each
+// object's own: an object whose polygon ran out of blocks draws nothing more, its neighbours do.
+TEST(RleRaster, BlockLimitStaysWithTheObjectThatReachedIt) {
+    CPriorityAvoidContainer c;
+    CDT& dt = *c.DT();
+    dt.width = 64;
+    dt.height = 32000;
+    CAvoidObject* greedy = c.NewObject();
+    CAvoidObject* other = c.NewObject();
+    // A zigzag whose edges cross every row: more cells than 1024 blocks of 4096 hold.
+    std::vector<int> zigzag;
+    for (int i = 0; i < 300; ++i) {
+        zigzag.push_back(i % 60);
+        zigzag.push_back(i % 2 == 0 ? 0 : 31999);
+    }
+    greedy->AddRing(zigzag.data(), static_cast<int>(zigzag.size()));
+    int square[] = {10, 10, 20, 10, 20, 20, 10, 20};
+    int triangle[] = {10, 10, 30, 10, 10, 30};
+    other->AddRing(triangle, 6);
+    EXPECT_TRUE(other->Grid().IsExist(12, 12));
+    greedy->Reset();
+    greedy->AddRing(triangle, 6);
+    EXPECT_TRUE(greedy->Grid().IsEmpty());
+    other->AddRing(square, 8);
+    EXPECT_TRUE(other->Grid().IsExist(19, 19));
+    delete greedy;
+    delete other;
+}
