@@ -71,19 +71,23 @@ demo: deps-build
 	$(MVN_PACKAGE) -Dkxac.native.library=$(abspath $(BUILD)/native/libKXAvoidContainer.so)
 	java -cp "$(JAR)" com.tavrint.demo.Demo $(DEMO_ARGS)
 
-# Google Benchmark suite (its own optimised build tree), then whole passes through JNI; each
-# prints a table and writes JSON to out/bench/.
+# Google Benchmark suite (its own optimised build tree), then whole passes through JNI, then the
+# library beside an occupancy-bitmap placer and the C++ pass beside the JNI pass; each prints a
+# table and writes it to out/bench/ (JSON or markdown).
 bench: deps-build
 	bash .ci/deps.sh bench java
 	cmake -S . -B $(BUILD)/bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DKXAC_BUILD_BENCH=ON \
 		-DKXAC_BUILD_TESTS=OFF
-	cmake --build $(BUILD)/bench --target kxac_bench kxac_placement_compare -j $(JOBS)
+	cmake --build $(BUILD)/bench --target kxac_bench kxac_placement_compare \
+		kxac_placement_vs_bitmap -j $(JOBS)
 	mkdir -p out/bench
 	$(BUILD)/bench/bench/kxac_bench --benchmark_out=out/bench/native.json \
 		--benchmark_out_format=json
 	$(BUILD)/bench/bench/kxac_placement_compare $(COMPARE_SECONDS) | tee out/bench/placement_compare.md
 	$(MVN_PACKAGE) -Dkxac.native.library=$(abspath $(BUILD)/bench/libKXAvoidContainer.so)
 	java -cp "$(JAR)" com.tavrint.demo.PassBenchmark out/bench/java.json
+	$(BUILD)/bench/bench/kxac_placement_vs_bitmap --java out/bench/java.json \
+		| tee out/bench/placement_vs_bitmap.md
 
 format:
 	bash .ci/deps.sh format
