@@ -8,7 +8,7 @@ BUILD := build
 CMAKE_GEN := -G Ninja
 FUZZ_SECONDS ?= 600
 # Time budget of the straightforward pass in the placement comparison, in seconds.
-COMPARE_SECONDS ?= 120
+COMPARE_SECONDS ?= 30
 
 .PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo
 
