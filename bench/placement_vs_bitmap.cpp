@@ -52,13 +52,13 @@ double WallNow() {
 // CPU time of the calling thread: on a machine shared with other work it leaves out the time the
 // pass waits for a core, which wall time counts.
 double CpuNow() {
-    struct timespec t {};
+    timespec t = {};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
     return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
 }
 
 long PeakKiB() {
-    struct rusage usage {};
+    rusage usage = {};
     getrusage(RUSAGE_SELF, &usage);
     return usage.ru_maxrss;
 }
