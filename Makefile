@@ -9,7 +9,7 @@ BUILD := build
 CMAKE_GEN := -G Ninja
 FUZZ_SECONDS ?= 600
 # Time budget of the straightforward pass in the placement comparison, in seconds.
-COMPARE_SECONDS ?= 120
+COMPARE_SECONDS ?= 30
 
 .PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo demo-streets java-package
 
@@ -86,19 +86,23 @@ STREETS_ARGS ?=
 demo-streets: java-package
 	java -cp "$(DEMO_CP)" com.tavrint.demo.StreetsDemo $(STREETS_ARGS)
 
-# Google Benchmark suite (its own optimised build tree), then whole passes through JNI; each
-# prints a table and writes JSON to out/bench/.
+# Google Benchmark suite (its own optimised build tree), then whole passes through JNI, then the
+# library beside an occupancy-bitmap placer and the C++ pass beside the JNI pass; each prints a
+# table and writes it to out/bench/ (JSON or markdown).
 bench: deps-build
 	bash .ci/deps.sh bench java
 	cmake -S . -B $(BUILD)/bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DKXAC_BUILD_BENCH=ON \
 		-DKXAC_BUILD_TESTS=OFF
-	cmake --build $(BUILD)/bench --target kxac_bench kxac_placement_compare -j $(JOBS)
+	cmake --build $(BUILD)/bench --target kxac_bench kxac_placement_compare \
+		kxac_placement_vs_bitmap -j $(JOBS)
 	mkdir -p out/bench
 	$(BUILD)/bench/bench/kxac_bench --benchmark_out=out/bench/native.json \
 		--benchmark_out_format=json
 	$(BUILD)/bench/bench/kxac_placement_compare $(COMPARE_SECONDS) | tee out/bench/placement_compare.md
 	$(MVN_PACKAGE) -Dkxac.native.library=$(abspath $(BUILD)/bench/libKXAvoidContainer.so)
 	java -cp "$(DEMO_CP)" com.tavrint.demo.PassBenchmark out/bench/java.json
+	$(BUILD)/bench/bench/kxac_placement_vs_bitmap --java out/bench/java.json \
+		| tee out/bench/placement_vs_bitmap.md
 
 format:
 	bash .ci/deps.sh format

@@ -1,0 +1,240 @@
+#include "label_scenes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <set>
+#include <stdexcept>
+
+namespace kxbench {
+namespace {
+
+constexpr int kWorldWidth = 8192;
+constexpr int kWorldHeight = 4096;
+constexpr int kPieceSpan = 48;
+constexpr int kLineHalfWidth = 1;
+constexpr int kMaxNudge = 8;
+constexpr int kCharWidth = 7;
+constexpr int kLabelMargin = 2;
+constexpr double kCellsPerLabel = 2400.0;
+
+// Round half up, as java.lang.Math.round does (floor(v + 0.5) can round 0.49999999999999994 up).
+long long RoundHalfUp(double v) {
+    const double f = std::floor(v);
+    return static_cast<long long>(f) + (v - f >= 0.5 ? 1 : 0);
+}
+
+// The world projection of the Java demo for the whole globe: one scale for both axes, the
+// canvas centre at (0, 0) degrees.
+constexpr double kUnitsPerCell = 360.0 / kWorldWidth;
+double WorldX(double lon) { return lon / kUnitsPerCell + kWorldWidth / 2.0; }
+double WorldY(double lat) { return (0.0 - lat) / kUnitsPerCell + kWorldHeight / 2.0; }
+int ToCell(double v) {
+    const double limit = 1 << 22;
+    return static_cast<int>(RoundHalfUp(std::max(-limit, std::min(limit, v))));
+}
+
+std::ifstream OpenData(const char* name) {
+    const std::string path = std::string(KXAC_BENCH_DATA_DIR) + "/" + name;
+    std::ifstream in(path);
+    if (!in) throw std::runtime_error("cannot read " + path);
+    std::string header;
+    std::getline(in, header);
+    return in;
+}
+
+struct City {
+    double lon = 0.0;
+    double lat = 0.0;
+    int nameLength = 0;  // code points
+};
+
+std::vector<City> ReadCities() {
+    std::ifstream in = OpenData("cities.tsv");
+    std::vector<City> cities;
+    std::string line;
+    while (std::getline(in, line)) {
+        if (line.empty()) continue;
+        const size_t t1 = line.find('\t');
+        const size_t t2 = t1 == std::string::npos ? t1 : line.find('\t', t1 + 1);
+        if (t2 == std::string::npos) throw std::runtime_error("cities.tsv: malformed line");
+        City c;
+        c.lon = std::strtod(line.c_str() + t1 + 1, nullptr);
+        c.lat = std::strtod(line.c_str() + t2 + 1, nullptr);
+        c.nameLength = static_cast<int>(
+            std::count_if(line.begin(), line.begin() + static_cast<long>(t1),
+                          [](char ch) { return (static_cast<unsigned char>(ch) & 0xC0) != 0x80; }));
+        cities.push_back(c);
+    }
+    return cities;
+}
+
+// Each line's vertices as cells of the world canvas, in file order.
+std::vector<std::vector<int>> ReadWorldPolylines(const char* name) {
+    std::ifstream in = OpenData(name);
+    std::vector<std::vector<int>> lines;
+    std::string line;
+    while (std::getline(in, line)) {
+        const size_t tab = line.find('\t');
+        if (tab == std::string::npos) continue;
+        std::vector<int> xy;
+        const char* p = line.c_str() + tab + 1;
+        char* end = nullptr;
+        for (;;) {
+            const double lon = std::strtod(p, &end);
+            if (end == p || *end != ',') break;
+            const double lat = std::strtod(end + 1, &end);
+            xy.push_back(ToCell(WorldX(lon)));
+            xy.push_back(ToCell(WorldY(lat)));
+            p = end;
+        }
+        if (xy.size() >= 4) lines.push_back(std::move(xy));
+    }
+    return lines;
+}
+
+// java.util.Random: the 48-bit linear congruential generator and its nextInt(bound).
+class JavaRandom {
+public:
+    explicit JavaRandom(int64_t seed)
+        : m_seed((static_cast<uint64_t>(seed) ^ kMultiplier) & kMask) {}
+
+    int NextInt(int bound) {
+        int r = Next31();
+        const int m = bound - 1;
+        if ((bound & m) == 0) {
+            return static_cast<int>((static_cast<int64_t>(bound) * r) >> 31);
+        }
+        for (int u = r;; u = Next31()) {
+            r = u % bound;
+            if (static_cast<int64_t>(u) - r + m <= INT32_MAX) return r;
+        }
+    }
+
+private:
+    static constexpr uint64_t kMultiplier = 0x5DEECE66DULL;
+    static constexpr uint64_t kMask = (1ULL << 48) - 1;
+
+    int Next31() {
+        m_seed = (m_seed * kMultiplier + 0xBULL) & kMask;
+        return static_cast<int>(m_seed >> 17);
+    }
+
+    uint64_t m_seed;
+};
+
+}  // namespace
+
+bool LabelAround(double px, double py, int width, int height, double clearance, int canvasWidth,
+                 int canvasHeight, Label& label) {
+    const double diag = clearance * std::sqrt(0.5);
+    const double h2 = height / 2.0;
+    const double corners[8][2] = {
+        {px + clearance, py - h2},
+        {px - clearance - width, py - h2},
+        {px - width / 2.0, py - clearance - height},
+        {px - width / 2.0, py + clearance},
+        {px + diag, py - diag - height},
+        {px + diag, py + diag},
+        {px - diag - width, py - diag - height},
+        {px - diag - width, py + diag},
+    };
+    std::set<long long> usedDx;
+    bool first = true;
+    label.offsets.clear();
+    for (const auto& corner : corners) {
+        const long long left = RoundHalfUp(corner[0]);
+        const long long top = RoundHalfUp(corner[1]);
+        if (top < 0 || top + height > canvasHeight) continue;
+        for (int k = 0; k <= 2 * kMaxNudge; ++k) {
+            const int nudge = (k % 2 == 1) ? (k + 1) / 2 : -(k / 2);
+            const long long l = left + nudge;
+            if (l < 0 || l + width > canvasWidth) continue;
+            const long long dx = first ? 0 : l - label.box.left;
+            if (!usedDx.insert(dx).second) continue;
+            if (first) {
+                label.box =
+                    Box(static_cast<int>(l), static_cast<int>(top), static_cast<int>(l) + width - 1,
+                        static_cast<int>(top) + height - 1);
+                first = false;
+            } else {
+                label.offsets.emplace_back(static_cast<int>(dx),
+                                           static_cast<int>(top - label.box.top));
+            }
+            break;
+        }
+    }
+    return !first;
+}
+
+size_t WorldCityCount() { return ReadCities().size(); }
+
+Scene WorldCandidateLabels(bool withLines) {
+    Scene s;
+    s.width = kWorldWidth;
+    s.height = kWorldHeight;
+    const std::vector<City> cities = ReadCities();
+    s.labels.reserve(cities.size());
+    for (const City& c : cities) {
+        Label l;
+        const int width = kCharWidth * c.nameLength + kLabelMargin;
+        if (LabelAround(WorldX(c.lon), WorldY(c.lat), width, kCandidateLabelHeight,
+                        kCandidateClearance, s.width, s.height, l)) {
+            s.labels.push_back(std::move(l));
+        }
+    }
+    if (withLines) {
+        for (const char* file : {"borders.tsv", "coastline.tsv"}) {
+            for (const auto& xy : ReadWorldPolylines(file)) {
+                for (auto& piece : SplitPolyline(xy, kPieceSpan))
+                    s.forced.push_back({std::move(piece), kLineHalfWidth});
+            }
+        }
+    }
+    return s;
+}
+
+Scene UniformCandidateLabels(int n, int width, int height, uint32_t seed) {
+    Scene s;
+    s.width = width;
+    s.height = height;
+    s.labels.reserve(static_cast<size_t>(n));
+    std::mt19937 rng(seed);
+    std::uniform_int_distribution<int> x(0, width - 1), y(0, height - 1), w(24, 96);
+    for (int i = 0; i < n; ++i) {
+        const int px = x(rng), py = y(rng), lw = w(rng);
+        Label l;
+        if (LabelAround(px, py, lw, kCandidateLabelHeight, kCandidateClearance, width, height, l))
+            s.labels.push_back(std::move(l));
+    }
+    return s;
+}
+
+Scene JavaUniformLabels(int n, int64_t seed) {
+    Scene s;
+    const int side = static_cast<int>(std::ceil(std::sqrt(n * kCellsPerLabel)));
+    s.width = side;
+    s.height = side;
+    s.labels.reserve(static_cast<size_t>(n));
+    JavaRandom rng(seed);
+    const int h = kCandidateLabelHeight;
+    const int c = kCandidateClearance;
+    for (int i = 0; i < n; ++i) {
+        const int px = rng.NextInt(side);
+        const int py = rng.NextInt(side);
+        const int w = 24 + rng.NextInt(73);
+        const int left = px + c;
+        const int top = py - h / 2;
+        const int centred = px - w / 2 - left;
+        Label l;
+        l.box = Box(left, top, left + w - 1, top + h - 1);
+        l.offsets = {Location(-w - 2 * c, 0), Location(centred, py - c - h - top),
+                     Location(centred + 1, py + c - top)};
+        s.labels.push_back(std::move(l));
+    }
+    return s;
+}
+
+}  // namespace kxbench
