@@ -30,9 +30,8 @@ public:
     CGrowBuffer(const CGrowBuffer&) = delete;
     CGrowBuffer& operator=(const CGrowBuffer&) = delete;
 
-    // Makes n bytes available at data. On allocation failure the buffer is left empty (data null,
-    // size and capacity 0) and the block held before is not freed. Returns whether data holds n
-    // bytes.
+    // Makes n bytes available at data. On allocation failure the block held before is freed and
+    // the buffer left empty (data null, size and capacity 0). Returns whether data holds n bytes.
     bool SetSize(uint32_t n);
 };
 
