@@ -95,7 +95,9 @@ void CAvoidObject::DrawCellRectangle(double minX, double minY, double maxX, doub
     const long long top = std::max<long long>(static_cast<long long>(minY / kSubpixels), 0);
     const long long bottom =
         std::min<long long>(static_cast<long long>(maxY / kSubpixels) - 1, height() - 1LL);
-    if (left > right) return;
+    if (left > right || top > bottom) return;
+    // A fresh grid takes exactly the rows of the rectangle.
+    if (IsEmpty()) RLERows::reserve(static_cast<size_t>(bottom - top + 1));
     for (long long row = top; row <= bottom; ++row) {
         AddRLE(static_cast<int>(row), static_cast<int>(left), static_cast<int>(right));
     }

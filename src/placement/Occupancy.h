@@ -5,6 +5,9 @@
 // however many objects are placed. Clearing touches only the rows that were drawn in.
 #pragma once
 
+#include <algorithm>
+#include <cassert>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -27,15 +30,43 @@ public:
     }
 
     // Cells first .. last of a covered row; the span must lie inside the covered columns.
-    void Set(long long row, long long first, long long last);
+    void Set(long long row, long long first, long long last) {
+        assert(Covers(first, row, last, row));
+        uint64_t* words = Row(row);
+        const long long w0 = first >> 6, w1 = last >> 6;
+        if (w0 == w1) {
+            words[w0] |= Mask(first & 63, last & 63);
+        } else {
+            words[w0] |= Mask(first & 63, 63);
+            for (long long w = w0 + 1; w < w1; ++w)
+                words[w] = ~uint64_t{0};
+            words[w1] |= Mask(0, last & 63);
+        }
+        m_firstDrawn = std::min(m_firstDrawn, row);
+        m_lastDrawn = std::max(m_lastDrawn, row);
+    }
     // Whether any cell first .. last of a covered row is set.
-    bool Any(long long row, long long first, long long last) const;
+    bool Any(long long row, long long first, long long last) const {
+        assert(Covers(first, row, last, row));
+        const uint64_t* words = Row(row);
+        const long long w0 = first >> 6, w1 = last >> 6;
+        if (w0 == w1) return (words[w0] & Mask(first & 63, last & 63)) != 0;
+        if ((words[w0] & Mask(first & 63, 63)) != 0) return true;
+        for (long long w = w0 + 1; w < w1; ++w) {
+            if (words[w] != 0) return true;
+        }
+        return (words[w1] & Mask(0, last & 63)) != 0;
+    }
     // Frees every cell.
     void Clear();
 
     static constexpr size_t kMaxWords = size_t{1} << 22;
 
 private:
+    // The bits first .. last (0 .. 63) of a word.
+    static uint64_t Mask(long long first, long long last) {
+        return (~uint64_t{0} >> (63 - last)) & (~uint64_t{0} << first);
+    }
     uint64_t* Row(long long row) { return m_bits.data() + static_cast<size_t>(row) * m_stride; }
     const uint64_t* Row(long long row) const {
         return m_bits.data() + static_cast<size_t>(row) * m_stride;
@@ -46,7 +77,7 @@ private:
     long long m_columns = 0;
     long long m_rows = 0;
     // The rows drawn in since the last Clear: firstDrawn > lastDrawn when none.
-    long long m_firstDrawn = 0;
+    long long m_firstDrawn = LLONG_MAX;
     long long m_lastDrawn = -1;
 };
 
