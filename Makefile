@@ -2,6 +2,7 @@
 #   make test   every test suite: C++ (plain and sanitized), fuzzing, install check, Java
 #   make demo   labels a map of Europe from data/ through the library, writes out/demo.png
 #   make bench  the benchmark suite, results in out/bench/
+#   make mutate mutation testing of src/ against the plain build's unit tests (never part of test)
 
 JOBS ?= 2
 BUILD := build
@@ -10,7 +11,14 @@ FUZZ_SECONDS ?= 600
 # Time budget of the straightforward pass in the placement comparison, in seconds.
 COMPARE_SECONDS ?= 120
 
-.PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo
+.PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo mutate
+
+# ccache, when it is installed, keeps compiled objects across build trees and worktrees.
+CCACHE := $(shell command -v ccache 2>/dev/null)
+ifneq ($(CCACHE),)
+CMAKE_GEN += -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
+export CCACHE_BASEDIR ?= $(CURDIR)
+endif
 
 test: test-native test-asan test-fuzz test-java
 
@@ -25,11 +33,13 @@ asan: deps-build
 	cmake -S . -B $(BUILD)/asan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DKXAC_SANITIZE=ON
 	cmake --build $(BUILD)/asan -j $(JOBS)
 
+# Every test label in the plain build; the sanitized build leaves out the slow whole-data
+# comparisons, which the plain build has run.
 test-native: native
 	ctest --test-dir $(BUILD)/native --output-on-failure -j $(JOBS)
 
 test-asan: asan
-	ctest --test-dir $(BUILD)/asan --output-on-failure -j $(JOBS)
+	ctest --test-dir $(BUILD)/asan --output-on-failure -j $(JOBS) -LE slow
 
 deps-java:
 	bash .ci/deps.sh java
@@ -84,6 +94,14 @@ bench: deps-build
 	$(BUILD)/bench/bench/kxac_placement_compare $(COMPARE_SECONDS) | tee out/bench/placement_compare.md
 	$(MVN_PACKAGE) -Dkxac.native.library=$(abspath $(BUILD)/bench/libKXAvoidContainer.so)
 	java -cp "$(JAR)" com.tavrint.demo.PassBenchmark out/bench/java.json
+
+# Mutants of src/ (the binding left out) from a fixed seed, each rebuilt in $(BUILD)/mutate and run
+# against the unit tests; prints killed / compiling and the survivors. MUTANTS sets the sample.
+MUTANTS ?= 150
+MUTATE_SEED ?= 13
+
+mutate: deps-build
+	bash tools/mutate.sh --build $(BUILD)/mutate --mutants $(MUTANTS) --seed $(MUTATE_SEED)
 
 format:
 	bash .ci/deps.sh format

@@ -9,17 +9,16 @@
 
 #include "placement/Transform.h"
 #include "raster/agg.h"
-#include "stdafx.h"
 
 // Receives runs of occupied cells: one row, both ends inclusive, first <= last.
-class KXAC_API CRLECreate {
+class CRLECreate {
 public:
     virtual ~CRLECreate();
     virtual void AddRLE(int row, int first, int last) = 0;
 };
 
 // Abstract: the derived object supplies AddRLE. Draws with gamma 1.3 and the even-odd rule.
-class KXAC_API CRLERaster : private agg::rendering_buffer, public CRLECreate {
+class CRLERaster : private agg::rendering_buffer, public CRLECreate {
 public:
     CRLERaster();
     ~CRLERaster() override;
