@@ -95,13 +95,17 @@ bench: deps-build
 	$(MVN_PACKAGE) -Dkxac.native.library=$(abspath $(BUILD)/bench/libKXAvoidContainer.so)
 	java -cp "$(JAR)" com.tavrint.demo.PassBenchmark out/bench/java.json
 
-# Mutants of src/ (the binding left out) from a fixed seed, each rebuilt in $(BUILD)/mutate and run
-# against the unit tests; prints killed / compiling and the survivors. MUTANTS sets the sample.
+# Mutants of src/ (the binding left out) from a fixed seed, each built in a copy of the tree under
+# $(BUILD)/mutate and run against the unit tests of its layer and the layers above; prints
+# killed / compiling and the survivors (also in $(BUILD)/mutate/report.txt). MUTANTS sets the
+# sample. Takes an hour or more for 150 mutants.
 MUTANTS ?= 150
 MUTATE_SEED ?= 13
 
 mutate: deps-build
-	bash tools/mutate.sh --build $(BUILD)/mutate --mutants $(MUTANTS) --seed $(MUTATE_SEED)
+	bash .ci/deps.sh mutate
+	python3 tools/mutate.py --build $(BUILD)/mutate --mutants $(MUTANTS) --seed $(MUTATE_SEED) \
+		--jobs $(JOBS)
 
 format:
 	bash .ci/deps.sh format
