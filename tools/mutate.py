@@ -120,12 +120,16 @@ def generate(mutate, tree, rel, cache):
 def copy_tree(repo, tree):
     files = run(["git", "-C", str(repo), "ls-files", "--cached", "--others", "--exclude-standard",
                  "-z"]).stdout.split("\0")
-    shutil.rmtree(tree, ignore_errors=True)
+    # Only files that differ are written, with a new time stamp: the build tree then rebuilds
+    # exactly what changed since the last run, a mutant left behind by an interrupted run included.
     for f in files:
         if not f or not (repo / f).is_file():
             continue
-        (tree / f).parent.mkdir(parents=True, exist_ok=True)
-        shutil.copy2(repo / f, tree / f)
+        source, copy = repo / f, tree / f
+        if copy.is_file() and copy.read_bytes() == source.read_bytes():
+            continue
+        copy.parent.mkdir(parents=True, exist_ok=True)
+        shutil.copyfile(source, copy)
 
 
 def main():

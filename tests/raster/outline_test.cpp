@@ -167,12 +167,15 @@ TEST(Outline, CellsMatchTheRoundedEdgeModel) {
     for (int round = 0; round < 300; ++round) {
         SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
         const int n = 3 + static_cast<int>(rng() % 5);
-        const int span = (round % 3 == 0 ? 3 : 60) * kCell;  // small ones stay inside few cells
+        // Small ones stay inside few cells; wide ones reach the widest edges drawn uncut.
+        const bool wide = round % 100 == 1;
+        const int spanX = (wide ? 16000 : round % 3 == 0 ? 3 : 60) * kCell;
+        const int spanY = (wide || round % 3 == 0 ? 3 : 60) * kCell;
         std::vector<std::pair<int, int>> pts;
         agg::outline o;
         for (int i = 0; i < n; ++i) {
-            pts.emplace_back(static_cast<int>(rng() % (2 * span)) - span,
-                             static_cast<int>(rng() % (2 * span)) - span);
+            pts.emplace_back(static_cast<int>(rng() % (2 * spanX)) - spanX,
+                             static_cast<int>(rng() % (2 * spanY)) - spanY);
             i == 0 ? o.move_to(pts[0].first, pts[0].second)
                    : o.line_to(pts[i].first, pts[i].second);
         }
@@ -224,6 +227,18 @@ TEST(Outline, EdgesAfterCellsAreIgnoredUntilMoveTo) {
     ASSERT_NE(o.cells(), nullptr);
     EXPECT_EQ(o.cell_count(), 2u);
     EXPECT_EQ(o.min_y(), 10);
+}
+
+TEST(Outline, ResetDropsTheOpenContour) {
+    agg::outline reused, fresh;
+    reused.move_to(kCell / 2, 0);
+    reused.line_to(40 * kCell, 17 * kCell);  // left open
+    reused.reset();
+    for (agg::outline* o : {&reused, &fresh})
+        Rect(*o, 3 * kCell + 5, kCell, 9 * kCell + 200, 6 * kCell + 1);
+    ExpectSameCells(reused, fresh);
+    EXPECT_EQ(std::vector<int>({reused.min_x(), reused.min_y(), reused.max_x(), reused.max_y()}),
+              std::vector<int>({fresh.min_x(), fresh.min_y(), fresh.max_x(), fresh.max_y()}));
 }
 
 TEST(Outline, ResetAndReleaseReuseTheFirstBlockBelowTheLimit) {

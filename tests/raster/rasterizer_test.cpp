@@ -122,6 +122,12 @@ TEST(Rasterizer, GammaTablesDefaultAndPowerLaw) {
         EXPECT_LE(g[i - 1], g[i]) << i;
     agg::rasterizer ras;
     EXPECT_EQ(std::string(ras.gamma_table(), ras.gamma_table() + 256), std::string(g, g + 256));
+    unsigned char reversed[256];
+    for (int i = 0; i < 256; ++i)
+        reversed[i] = static_cast<unsigned char>(255 - i);
+    ras.gamma(reversed);
+    EXPECT_EQ(std::string(ras.gamma_table(), ras.gamma_table() + 256),
+              std::string(reversed, reversed + 256));
     ras.gamma(1.3);  // truncated
     EXPECT_EQ(ras.gamma_table()[1], 0);
     EXPECT_EQ(ras.gamma_table()[128], 104);
@@ -181,6 +187,42 @@ TEST(Rasterizer, RunsMatchPointInPolygonAwayFromEdges) {
             }
         }
     }
+}
+
+// hit_test against the sweep: every emitted cell is hit, and a hit cell that is not emitted lies
+// just right of one that is (the cell ending a covered row segment).
+TEST(Rasterizer, HitTestAgreesWithTheSweep) {
+    const unsigned seed = 29;
+    std::mt19937 rng(seed);
+    agg::rasterizer ras;
+    size_t checked = 0;
+    for (int round = 0; round < 100; ++round) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
+        ras.fill_rule(round % 2);
+        const int n = 3 + static_cast<int>(rng() % 6);
+        for (int i = 0; i < n; ++i) {
+            const int x = static_cast<int>(rng() % (30 * kCell));
+            const int y = static_cast<int>(rng() % (30 * kCell));
+            i == 0 ? ras.get_outline().move_to(x, y) : ras.get_outline().line_to(x, y);
+        }
+        std::set<std::pair<int, int>> emitted;
+        for (const auto& [row, first, last] : Sweep(ras)) {
+            for (int x = first; x <= last; ++x)
+                emitted.insert({x, row});
+        }
+        checked += emitted.size();
+        for (int y = -1; y <= 31; ++y) {
+            for (int x = -1; x <= 31; ++x) {
+                const bool hit = ras.hit_test(x, y);
+                if (emitted.count({x, y})) {
+                    EXPECT_TRUE(hit) << "cell " << x << "," << y;
+                } else if (hit) {
+                    EXPECT_EQ(emitted.count({x - 1, y}), 1u) << "cell " << x << "," << y;
+                }
+            }
+        }
+    }
+    EXPECT_GT(checked, 10000u);
 }
 
 // Far beyond the supported range nothing need be meaningful, but the sweep must stay inside its
