@@ -3,6 +3,7 @@
 #   make demo   labels a map of Europe from data/ through the library, writes out/demo.png
 #   make demo-streets  a street map of central Helsinki with names along the streets
 #   make bench  the benchmark suite, results in out/bench/
+#   make mutate mutation testing of src/ against the plain build's unit tests (never part of test)
 
 JOBS ?= 2
 BUILD := build
@@ -11,7 +12,14 @@ FUZZ_SECONDS ?= 600
 # Time budget of the straightforward pass in the placement comparison, in seconds.
 COMPARE_SECONDS ?= 30
 
-.PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo demo-streets java-package
+.PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo demo-streets java-package mutate
+
+# ccache, when it is installed, keeps compiled objects across build trees and worktrees.
+CCACHE := $(shell command -v ccache 2>/dev/null)
+ifneq ($(CCACHE),)
+CMAKE_GEN += -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
+export CCACHE_BASEDIR ?= $(CURDIR)
+endif
 
 test: test-native test-asan test-fuzz test-java
 
@@ -26,11 +34,13 @@ asan: deps-build
 	cmake -S . -B $(BUILD)/asan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DKXAC_SANITIZE=ON
 	cmake --build $(BUILD)/asan -j $(JOBS)
 
+# Every test label in the plain build; the sanitized build leaves out the slow whole-data
+# comparisons, which the plain build has run.
 test-native: native
 	ctest --test-dir $(BUILD)/native --output-on-failure -j $(JOBS)
 
 test-asan: asan
-	ctest --test-dir $(BUILD)/asan --output-on-failure -j $(JOBS)
+	ctest --test-dir $(BUILD)/asan --output-on-failure -j $(JOBS) -LE slow
 
 deps-java:
 	bash .ci/deps.sh java
@@ -103,6 +113,18 @@ bench: deps-build
 	java -cp "$(DEMO_CP)" com.tavrint.demo.PassBenchmark out/bench/java.json
 	$(BUILD)/bench/bench/kxac_placement_vs_bitmap --java out/bench/java.json \
 		| tee out/bench/placement_vs_bitmap.md
+
+# Mutants of src/ (the binding left out) from a fixed seed, each built in a copy of the tree under
+# $(BUILD)/mutate and run against the unit tests of its layer and the layers above; prints
+# killed / compiling and the survivors (also in $(BUILD)/mutate/report.txt). MUTANTS sets the
+# sample. Takes an hour or more for 150 mutants.
+MUTANTS ?= 150
+MUTATE_SEED ?= 13
+
+mutate: deps-build
+	bash .ci/deps.sh mutate
+	python3 tools/mutate.py --build $(BUILD)/mutate --mutants $(MUTANTS) --seed $(MUTATE_SEED) \
+		--jobs $(JOBS)
 
 format:
 	bash .ci/deps.sh format

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the named jobs need and the machine lacks (Debian packages only).
-# Usage: .ci/deps.sh build|java|demo|bench|fuzz|format ...
+# Usage: .ci/deps.sh build|java|demo|bench|fuzz|format|mutate ...
 set -euo pipefail
 
 want=()
@@ -23,6 +23,8 @@ for job in "$@"; do
         bench) need_pkg libbenchmark-dev ;;
         fuzz) need_cmd clang++ clang; need_pkg libclang-rt-14-dev ;;
         format) need_cmd clang-format clang-format ;;
+        # universalmutator is installed from PyPI into a virtual environment of the build tree
+        mutate) need_cmd python3 python3; python3 -c 'import venv, ensurepip' 2>/dev/null || want+=(python3-venv) ;;
         *) echo "deps.sh: unknown job '$job'" >&2; exit 2 ;;
     esac
 done

@@ -12,11 +12,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "stdafx.h"
 
 namespace kxac {
 
-class KXAC_API Occupancy {
+class Occupancy {
 public:
     // Covers cells 0 .. columns - 1 by 0 .. rows - 1, all free. Columns and rows are capped so
     // that the bitmap stays within kMaxWords words; what lies beyond is not covered.

@@ -9,10 +9,9 @@
 
 #include "placement/Transform.h"
 #include "raster/agg.h"
-#include "stdafx.h"
 
 // Receives runs of occupied cells: one row, both ends inclusive, first <= last.
-class KXAC_API CRLECreate {
+class CRLECreate {
 public:
     virtual ~CRLECreate();
     virtual void AddRLE(int row, int first, int last) = 0;
@@ -21,7 +20,7 @@ public:
 // Abstract: the derived object supplies AddRLE. Draws with gamma 1.3 and the even-odd rule, with
 // the rasterizer of the attached transform: the raster itself keeps only its size, the transform
 // and the count of cell blocks its polygons have used (the rasterizer's limit is per raster).
-class KXAC_API CRLERaster : private agg::rendering_buffer, public CRLECreate {
+class CRLERaster : private agg::rendering_buffer, public CRLECreate {
 public:
     CRLERaster();
     ~CRLERaster() override;

@@ -19,7 +19,7 @@ inline int TruncToInt(double v) {
 
 // Growable byte buffer over malloc/realloc/free. It grows to exactly the largest size asked for
 // and never shrinks.
-class KXAC_API CGrowBuffer {
+class CGrowBuffer {
 public:
     unsigned char* data = nullptr;
     uint32_t size = 0;

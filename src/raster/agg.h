@@ -14,8 +14,6 @@
 
 #include <cstdint>
 
-#include "stdafx.h"
-
 namespace agg {
 
 enum : int {
@@ -44,7 +42,7 @@ struct cell {
 // Memory for the cells of one polygon at a time: blocks of 4096 cells that never move, and the
 // sorted array of cell pointers. Outlines draw through a storage of their own, or share one in
 // turn: a shared storage holds the cells of the polygon drawn last.
-class KXAC_API cell_storage {
+class cell_storage {
 public:
     cell_storage() = default;
     ~cell_storage();
@@ -85,7 +83,7 @@ private:
 // allocated, which the limit reads, is the outline's own. Drawing through a shared storage, or
 // releasing the own one after every polygon, stores exactly the cells an outline that kept its
 // blocks would store.
-class KXAC_API outline {
+class outline {
 public:
     enum : unsigned {
         block_shift = 12,
@@ -161,7 +159,7 @@ private:
 
 // The spans of one row, as indexes into a coverage array that starts at column origin_x().
 // Slot 0 of the span arrays is never a span: spans are slots 1 to span_count().
-class KXAC_API scanline {
+class scanline {
 public:
     scanline() = default;
     ~scanline();
@@ -216,7 +214,7 @@ private:
 
 // Rows of bytes over caller-owned memory. The rows array is owned and only grows. No virtual
 // destructor: derived targets are never deleted through this class.
-class KXAC_API rendering_buffer {
+class rendering_buffer {
 public:
     rendering_buffer(unsigned char* buf, unsigned width, unsigned height, int stride);
     ~rendering_buffer();
@@ -260,12 +258,12 @@ struct run_row {
 
 // What rasterizers may share: cell storage and scanline. Sharing rasterizers draw one polygon
 // at a time.
-struct KXAC_API raster_scratch {
+struct raster_scratch {
     cell_storage cells;
     scanline line;
 };
 
-class KXAC_API rasterizer {
+class rasterizer {
 public:
     static const unsigned char s_default_gamma[256];
 

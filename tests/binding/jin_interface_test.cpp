@@ -308,3 +308,31 @@ TEST_F(NativesTest, StringIdFromNullOrUnreadableStringIsEmpty) {
                                 "get string"}));
     NATIVE(DestroyAvoidObject)(&jvm.env, nullptr, obj);
 }
+
+// A virtual machine that offers environments up to a given JNI version.
+struct FakeVm {
+    JavaVM vm{};  // first member: a JavaVM* leads back to its FakeVm
+    JNIInvokeInterface_ table{};
+    FakeJvm jvm;
+    jint supported = JNI_VERSION_1_8;
+
+    FakeVm() {
+        vm.functions = &table;
+        table.GetEnv = [](JavaVM* v, void** env, jint version) -> jint {
+            FakeVm& self = *reinterpret_cast<FakeVm*>(v);
+            if (version > self.supported) return JNI_EVERSION;
+            *env = &self.jvm.env;
+            return JNI_OK;
+        };
+    }
+};
+
+TEST(JniOnLoad, NamesJni12AndRefusesAnOlderMachine) {
+    FakeVm vm;
+    EXPECT_EQ(JNI_OnLoad(&vm.vm, nullptr), JNI_VERSION_1_2);
+    vm.supported = JNI_VERSION_1_2;
+    EXPECT_EQ(JNI_OnLoad(&vm.vm, nullptr), JNI_VERSION_1_2);
+    vm.supported = JNI_VERSION_1_1;
+    EXPECT_EQ(JNI_OnLoad(&vm.vm, nullptr), JNI_ERR);
+    EXPECT_EQ(JNI_OnLoad(nullptr, nullptr), JNI_ERR);
+}

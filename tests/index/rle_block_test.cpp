@@ -170,7 +170,7 @@ TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkipped) {
 }
 
 TEST(RleBlock, RandomIndexesRoundTripThroughMemoryAndFiles) {
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = 13;
     std::mt19937 gen(seed);
     for (int round = 0; round < 200; ++round) {
         CRLEIndex index;

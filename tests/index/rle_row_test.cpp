@@ -49,11 +49,18 @@ const RowCase kRowCases[] = {
     {{{5, 6}, {10, 12}}, Op::AddCell, 8, 0, {{5, 6}, {8, 8}, {10, 12}}, true},
     {{{5, 6}, {10, 12}}, Op::AddCell, 13, 0, {{5, 6}, {10, 13}}, true},
     {{{5, 6}}, Op::AddCell, 0, 0, {{0, 0}, {5, 6}}, true},
+    {{{5, 6}}, Op::AddCell, 4, 0, {{4, 6}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddCell, 9, 0, {{9, 12}, {20, 22}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddCell, 23, 0, {{10, 12}, {20, 23}}, true},
     {{}, Op::AddCell, 4, 0, {{4, 4}}, true},
     // A span widens the run it starts in; abutting runs stay apart.
     {{{0, 2}, {4, 6}}, Op::AddSpan, 1, 3, {{0, 3}, {4, 6}}, true},
     {{{0, 2}, {4, 6}}, Op::AddSpan, 7, 3, {{0, 2}, {3, 7}}, true},
     {{{0, 5}, {10, 12}}, Op::AddSpan, 6, 8, {{0, 8}, {10, 12}}, true},
+    // A span ending next to the first run, or starting next to the last, joins it.
+    {{{10, 12}, {20, 22}}, Op::AddSpan, 5, 9, {{5, 12}, {20, 22}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddSpan, 9, 8, {{8, 12}, {20, 22}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddSpan, 30, 23, {{10, 12}, {20, 30}}, true},
     // From a gap past the next run, cells between are lost; the reached run keeps its bounds.
     {kFour, Op::AddSpan, 25, 5, {{0, 2}, {10, 12}, {30, 32}}, true},
     {kFour, Op::AddSpan, 5, 29, {{0, 2}, {10, 12}, {30, 32}}, true},
@@ -114,7 +121,7 @@ TEST(RleRow, FindRunReturnsRunAtOrNextToCellElseRunAfterGap) {
 }
 
 TEST(RleRow, RandomCellEditsMatchSetOfCells) {
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = 23;
     std::mt19937 gen(seed);
     std::uniform_int_distribution<int> cell(-40, 40);
     std::bernoulli_distribution add(0.6);
@@ -137,4 +144,33 @@ TEST(RleRow, RandomCellEditsMatchSetOfCells) {
         for (int x = -42; x <= 42; ++x)
             ASSERT_EQ(row.IsExist(x), model.count(x) == 1) << "seed " << seed << " x " << x;
     }
+}
+
+TEST(RleRun, LengthWrapsAndPackingPutsStartLow) {
+    EXPECT_EQ(RLE(5, 3).Length(), -1);
+    EXPECT_EQ(RLE(INT_MIN, INT_MAX).Length(), 0);
+    const RLE packed(static_cast<long long>((7ULL << 32) | 2ULL));
+    EXPECT_EQ(packed.start, 2);
+    EXPECT_EQ(packed.end, 7);
+}
+
+TEST(RleRun, CompareConnectAndTouchStayExactAtIntegerLimits) {
+    const RLE r(3, 6);
+    const int expected[][2] = {{1, -2}, {2, -1}, {4, 0}, {7, 1}, {9, 3}};
+    for (const auto& e : expected)
+        EXPECT_EQ(r.Compare(e[0]), e[1]) << "x " << e[0];
+    EXPECT_LT(RLE(INT_MAX, INT_MAX).Compare(INT_MIN), 0);
+    EXPECT_GT(RLE(INT_MIN, INT_MIN).Compare(INT_MAX), 0);
+    EXPECT_FALSE(RLE(INT_MIN, INT_MIN).IsConnect(INT_MAX));
+    EXPECT_FALSE(RLE(INT_MIN, 0).IsConnect(RLE(5, INT_MAX)));
+    EXPECT_TRUE(r.IsConnect(RLE(7, 9)));
+    EXPECT_FALSE(r.IsConnect(RLE(6, 9)));
+    EXPECT_FALSE(r.IsTouch(RLE(0, 10)));
+    EXPECT_TRUE(r.IsTouch(RLE(0, 4)));
+    EXPECT_FALSE(r == RLE(0, 10));
+    EXPECT_FALSE(CFindRLE(RLE(3, 9))(RLE(0, 20)));
+    EXPECT_TRUE(CFindRLE(RLE(3, 9))(RLE(9, 20)));
+    RLE low(INT_MIN, 0);
+    low.Union(INT_MAX);
+    EXPECT_EQ(low.end, 0);
 }

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <map>
 #include <random>
+#include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -17,6 +19,22 @@ std::vector<agg::cell> SortedCells(agg::outline& o) {
     std::vector<agg::cell> out;
     for (const agg::cell* const* list = o.cells(); list != nullptr && *list != nullptr; ++list)
         out.push_back(**list);
+    return out;
+}
+
+// The cells handed out, checked: each stored cell once, in key order.
+std::vector<agg::cell> CheckedCells(agg::outline& o) {
+    std::vector<const agg::cell*> list;
+    for (const agg::cell* const* p = o.cells(); p != nullptr && *p != nullptr; ++p)
+        list.push_back(*p);
+    EXPECT_EQ(list.size(), o.cell_count());
+    EXPECT_EQ(std::set<const agg::cell*>(list.begin(), list.end()).size(), list.size())
+        << "a cell handed out twice";
+    std::vector<agg::cell> out;
+    for (const agg::cell* c : list)
+        out.push_back(*c);
+    EXPECT_TRUE(std::is_sorted(out.begin(), out.end(),
+                               [](const auto& a, const auto& b) { return a.packed < b.packed; }));
     return out;
 }
 
@@ -75,36 +93,6 @@ TEST(Outline, VerticalEdgeCoversWholeRowsAndHorizontalOnlyMovesBounds) {
     EXPECT_EQ(h.cells(), nullptr);
     EXPECT_EQ(std::vector<int>({h.min_x(), h.min_y(), h.max_x(), h.max_y()}),
               std::vector<int>({2, 3, 8, 4}));
-}
-
-TEST(Outline, UnitSquareCellsHoldTheirCoveredArea) {
-    const unsigned seed = 11;
-    std::mt19937 rng(seed);
-    for (int round = 0; round < 200; ++round) {
-        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
-        const int x0 = static_cast<int>(rng() % 2048) - 1024;
-        const int y0 = static_cast<int>(rng() % 2048) - 1024;
-        const int x1 = x0 + 1 + static_cast<int>(rng() % 700);
-        const int y1 = y0 + 1 + static_cast<int>(rng() % 700);
-        agg::outline o;
-        Rect(o, x0, y0, x1, y1);
-        const std::vector<agg::cell> cells = SortedCells(o);
-        // |(row cover up to and including a cell) * 512 - area| is twice the covered area.
-        int cover = 0;
-        for (size_t i = 0; i < cells.size();) {
-            int area = 0;
-            const agg::cell& c = cells[i];
-            for (; i < cells.size() && cells[i].packed == c.packed; ++i) {
-                cover += cells[i].cover;
-                area += cells[i].area;
-            }
-            const int cx = c.x * kCell, cy = c.y * kCell;
-            const int ox = std::max(0, std::min(cx + kCell, x1) - std::max(cx, x0));
-            const int oy = std::max(0, std::min(cy + kCell, y1) - std::max(cy, y0));
-            EXPECT_EQ(std::abs(cover * 512 - area), 2 * ox * oy) << "cell " << c.x << "," << c.y;
-        }
-        EXPECT_EQ(cover, 0);
-    }
 }
 
 // Closed-form model of the cells of one edge: the path through the exact crossings of every row
@@ -167,12 +155,15 @@ TEST(Outline, CellsMatchTheRoundedEdgeModel) {
     for (int round = 0; round < 300; ++round) {
         SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
         const int n = 3 + static_cast<int>(rng() % 5);
-        const int span = (round % 3 == 0 ? 3 : 60) * kCell;  // small ones stay inside few cells
+        // Small ones stay inside few cells; wide ones reach the widest edges drawn uncut.
+        const bool wide = round % 100 == 1;
+        const int spanX = (wide ? 16000 : round % 3 == 0 ? 3 : 60) * kCell;
+        const int spanY = (wide || round % 3 == 0 ? 3 : 60) * kCell;
         std::vector<std::pair<int, int>> pts;
         agg::outline o;
         for (int i = 0; i < n; ++i) {
-            pts.emplace_back(static_cast<int>(rng() % (2 * span)) - span,
-                             static_cast<int>(rng() % (2 * span)) - span);
+            pts.emplace_back(static_cast<int>(rng() % (2 * spanX)) - spanX,
+                             static_cast<int>(rng() % (2 * spanY)) - spanY);
             i == 0 ? o.move_to(pts[0].first, pts[0].second)
                    : o.line_to(pts[i].first, pts[i].second);
         }
@@ -182,10 +173,7 @@ TEST(Outline, CellsMatchTheRoundedEdgeModel) {
             const auto& b = pts[(i + 1) % n];
             ModelEdge(expected, a.first, a.second, b.first, b.second);
         }
-        const std::vector<agg::cell> cells = SortedCells(o);
-        ASSERT_TRUE(std::is_sorted(cells.begin(), cells.end(), [](const auto& a, const auto& b) {
-            return a.packed < b.packed;
-        }));
+        const std::vector<agg::cell> cells = CheckedCells(o);
         for (const agg::cell& c : cells) {
             auto& [cover, area] = actual[{c.x, c.y}];
             cover += c.cover;
@@ -197,6 +185,34 @@ TEST(Outline, CellsMatchTheRoundedEdgeModel) {
         }
         ASSERT_EQ(actual, expected);
     }
+}
+
+// Rows or columns beyond 16 bits give keys that differ from the stored, truncated coordinates;
+// a tall thin polygon has far more rows than cells per row. Either way cells come in key order.
+TEST(Outline, CellsComeSortedBeyondSixteenBitsAndForTallPolygons) {
+    const int boxes[][4] = {{100, 32700, 160, 32800}, {32700, 100, 32800, 160}};
+    for (uint32_t seed = 1; seed <= 50; ++seed) {
+        std::mt19937 rng(seed);
+        for (const auto& b : boxes) {
+            SCOPED_TRACE("seed " + std::to_string(seed) + " box at " + std::to_string(b[0]));
+            std::uniform_int_distribution<int> x(b[0] * kCell, b[2] * kCell);
+            std::uniform_int_distribution<int> y(b[1] * kCell, b[3] * kCell);
+            agg::outline o;
+            for (int i = 0; i < 5; ++i) {
+                const int vx = x(rng), vy = y(rng);
+                i == 0 ? o.move_to(vx, vy) : o.line_to(vx, vy);
+            }
+            EXPECT_FALSE(CheckedCells(o).empty());
+        }
+    }
+    agg::outline tall;
+    tall.move_to(5 * kCell + 10, 0);
+    tall.line_to(5 * kCell + 200, 3000 * kCell);
+    tall.line_to(4 * kCell + 30, 3000 * kCell);
+    const std::vector<agg::cell> cells = CheckedCells(tall);
+    ASSERT_FALSE(cells.empty());
+    EXPECT_EQ(cells.front().y, 0);
+    EXPECT_EQ(cells.back().y, 2999);
 }
 
 TEST(Outline, NegativeColumnSortsBeforeColumnZero) {
@@ -224,6 +240,18 @@ TEST(Outline, EdgesAfterCellsAreIgnoredUntilMoveTo) {
     ASSERT_NE(o.cells(), nullptr);
     EXPECT_EQ(o.cell_count(), 2u);
     EXPECT_EQ(o.min_y(), 10);
+}
+
+TEST(Outline, ResetDropsTheOpenContour) {
+    agg::outline reused, fresh;
+    reused.move_to(kCell / 2, 0);
+    reused.line_to(40 * kCell, 17 * kCell);  // left open
+    reused.reset();
+    for (agg::outline* o : {&reused, &fresh})
+        Rect(*o, 3 * kCell + 5, kCell, 9 * kCell + 200, 6 * kCell + 1);
+    ExpectSameCells(reused, fresh);
+    EXPECT_EQ(std::vector<int>({reused.min_x(), reused.min_y(), reused.max_x(), reused.max_y()}),
+              std::vector<int>({fresh.min_x(), fresh.min_y(), fresh.max_x(), fresh.max_y()}));
 }
 
 TEST(Outline, ResetAndReleaseReuseTheFirstBlockBelowTheLimit) {

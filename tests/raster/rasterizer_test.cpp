@@ -122,6 +122,12 @@ TEST(Rasterizer, GammaTablesDefaultAndPowerLaw) {
         EXPECT_LE(g[i - 1], g[i]) << i;
     agg::rasterizer ras;
     EXPECT_EQ(std::string(ras.gamma_table(), ras.gamma_table() + 256), std::string(g, g + 256));
+    unsigned char reversed[256];
+    for (int i = 0; i < 256; ++i)
+        reversed[i] = static_cast<unsigned char>(255 - i);
+    ras.gamma(reversed);
+    EXPECT_EQ(std::string(ras.gamma_table(), ras.gamma_table() + 256),
+              std::string(reversed, reversed + 256));
     ras.gamma(1.3);  // truncated
     EXPECT_EQ(ras.gamma_table()[1], 0);
     EXPECT_EQ(ras.gamma_table()[128], 104);
@@ -183,6 +189,42 @@ TEST(Rasterizer, RunsMatchPointInPolygonAwayFromEdges) {
     }
 }
 
+// hit_test against the sweep: every emitted cell is hit, and a hit cell that is not emitted lies
+// just right of one that is (the cell ending a covered row segment).
+TEST(Rasterizer, HitTestAgreesWithTheSweep) {
+    const unsigned seed = 29;
+    std::mt19937 rng(seed);
+    agg::rasterizer ras;
+    size_t checked = 0;
+    for (int round = 0; round < 100; ++round) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
+        ras.fill_rule(round % 2);
+        const int n = 3 + static_cast<int>(rng() % 6);
+        for (int i = 0; i < n; ++i) {
+            const int x = static_cast<int>(rng() % (30 * kCell));
+            const int y = static_cast<int>(rng() % (30 * kCell));
+            i == 0 ? ras.get_outline().move_to(x, y) : ras.get_outline().line_to(x, y);
+        }
+        std::set<std::pair<int, int>> emitted;
+        for (const auto& [row, first, last] : Sweep(ras)) {
+            for (int x = first; x <= last; ++x)
+                emitted.insert({x, row});
+        }
+        checked += emitted.size();
+        for (int y = -1; y <= 31; ++y) {
+            for (int x = -1; x <= 31; ++x) {
+                const bool hit = ras.hit_test(x, y);
+                if (emitted.count({x, y})) {
+                    EXPECT_TRUE(hit) << "cell " << x << "," << y;
+                } else if (hit) {
+                    EXPECT_EQ(emitted.count({x - 1, y}), 1u) << "cell " << x << "," << y;
+                }
+            }
+        }
+    }
+    EXPECT_GT(checked, 10000u);
+}
+
 // Far beyond the supported range nothing need be meaningful, but the sweep must stay inside its
 // arrays, end, and clip what it emits. (Each polygon gets a fresh rasterizer: one that has filled
 // all its cell blocks stores nothing more.)
@@ -203,6 +245,69 @@ TEST(Rasterizer, FarOutOfRangePolygonsStaySafe) {
                 << "polygon " << k << " row " << row << ": " << first << ".." << last;
         }
     }
+}
+
+// The sweep's row buffer and the rows of a rendering buffer.
+TEST(Scanline, FirstSpanGoesToSlotOneAndSpansJoinByColumnOnly) {
+    agg::scanline sl;
+    sl.reset(-10, 20, 0, 0);
+    EXPECT_EQ(sl.capacity(), 32u);
+    sl.add_span(-8, 3, 4, 77);
+    ASSERT_EQ(sl.span_count(), 1u);
+    EXPECT_EQ(sl.span_index(1), 2u);
+    for (unsigned i = 2; i < 6; ++i)
+        EXPECT_EQ(sl.covers()[i], 77);
+    EXPECT_FALSE(sl.ready(3));
+    EXPECT_TRUE(sl.ready(4));
+    sl.clear();
+    EXPECT_EQ(sl.last_y(), 0x7FFF);
+    sl.reset(0, 50, 0, 0);
+    sl.add_span(5, 1, 3, 10);   // 5..7
+    sl.add_cell(8, 1, 20);      // touches: same span
+    sl.add_span(12, 1, 2, 30);  // gap: new span
+    sl.add_cell(14, 2, 40);     // touches by column although the row differs
+    ASSERT_EQ(sl.span_count(), 2u);
+    EXPECT_EQ(sl.span_index(1), 5u);
+    EXPECT_EQ(sl.span_length(1), 4u);
+    EXPECT_EQ(sl.span_index(2), 12u);
+    EXPECT_EQ(sl.span_length(2), 3u);
+    EXPECT_EQ(sl.last_y(), 2);
+    sl.reset(0, 10, 3, 4);  // arrays only grow
+    EXPECT_EQ(sl.capacity(), 52u);
+}
+
+TEST(Scanline, CellsOutsideTheArraysAreDropped) {
+    agg::scanline sl;
+    sl.reset(0, 40000, 0, 0);
+    sl.add_cell(32768, 0, 1);  // grows the unused slot 0
+    sl.add_cell(100, 0, 1);
+    EXPECT_EQ(sl.span_count(), 1u);
+    agg::scanline small;
+    small.reset(0, 10, 0, 0);
+    small.add_span(-1, 0, 3, 1);
+    small.add_span(12, 0, 1, 1);
+    small.add_span(5, 0, 10, 1);
+    EXPECT_EQ(small.span_count(), 0u);
+    // A width beyond what a 16-bit column can take is capped.
+    sl.reset(-2000000, 2000000, 0, 0);
+    EXPECT_LE(sl.capacity(), 65538u);
+    sl.add_span(1000000, 0, 1, 1);
+    EXPECT_EQ(sl.span_count(), 0u);
+}
+
+TEST(RenderingBuffer, NegativeStrideStartsAtTheLastRowAndSmallerAttachKeepsRows) {
+    unsigned char a[400], b[300];
+    agg::rendering_buffer rb(a, 10, 4, 100);
+    EXPECT_EQ(rb.row(3), a + 300);
+    rb.attach(b, 100, 3, -100);
+    EXPECT_EQ(rb.stride(), -100);
+    EXPECT_EQ(rb.row(0), b + 200);
+    EXPECT_EQ(rb.row(1), b + 100);
+    EXPECT_EQ(static_cast<const agg::rendering_buffer&>(rb).row(2), b);
+    EXPECT_EQ(rb.row(3), a + 300);  // beyond height: the earlier row is still there
+    rb.attach(nullptr, 0, 0, 0);    // height 0 sets nothing
+    EXPECT_EQ(rb.height(), 0u);
+    EXPECT_EQ(rb.row(0), b + 200);
 }
 
 }  // namespace

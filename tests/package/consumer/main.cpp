@@ -1,19 +1,21 @@
-// Saves a small index to memory and to the file named by the first argument, loads both back and
-// checks the cells: exit status 0 when everything matches.
-#include <cstdio>
-#include <vector>
+// Uses the installed library as a native user would: the grid index saved to memory and to the
+// file named by the first argument and loaded back, a small placement pass, and the version.
+// Exit status 0 when everything matches.
+#include <KXAvoidContainer/KXAvoidContainer.h>
+#include <KXAvoidContainer/index/RLEIndex.h>
+#include <KXAvoidContainer/placement/AvoidContainer.h>
 
-#include "index/RLEIndex.h"
+#include <cstdio>
+#include <cstring>
+#include <vector>
 
 namespace {
 int Fail(const char* what) {
     std::fprintf(stderr, "consumer: %s\n", what);
     return 1;
 }
-}  // namespace
 
-int main(int argc, char** argv) {
-    if (argc < 2) return Fail("usage: kxac_consumer <index file>");
+int CheckIndex(const char* path) {
     CRLEIndex index;
     auto* level = new CRLEIndexCreate();
     level->Level(-2);
@@ -29,10 +31,10 @@ int main(int argc, char** argv) {
     CRLEIndex fromMemory;
     if (fromMemory.Load(block.data(), written) != written) return Fail("memory load");
 
-    index.Save(argv[1]);
+    index.Save(path);
     CRLEIndex fromFile;
-    if (!fromFile.Load(argv[1])) return Fail("file load");
-    std::remove(argv[1]);
+    if (!fromFile.Load(path)) return Fail("file load");
+    std::remove(path);
 
     for (const CRLEIndex* loaded : {&fromMemory, &fromFile}) {
         if (loaded->Count() != 9) return Fail("cell count");
@@ -44,6 +46,34 @@ int main(int argc, char** argv) {
     while (cursor.Next(&l, &r, &c))
         ++cells;
     if (cells != 9) return Fail("cursor");
-    std::printf("consumer: index of %d cells saved and loaded\n", cells);
+    return 0;
+}
+
+// A forced 10 x 10 square, then a square over it that can move 20 cells right: placed there.
+int CheckPlacement() {
+    CPriorityAvoidContainer pass;
+    FitDeviceRect(*pass.DT(), 0, 0, 100, 100);
+    FitMapExtent(*pass.DT(), 0, 0, 100, 100);
+    int square[] = {10, 10, 20, 10, 20, 20, 10, 20};
+    CAvoidObject* obstacle = pass.NewObject();
+    obstacle->AddRing(square, 8);
+    pass.Add(obstacle, true);
+    CAvoidObject* label = pass.NewObject();
+    label->AddRing(square, 8);
+    label->OffsetCollection().push_back(Location(20, 0));
+    pass.Add(label, false);
+    if (pass.PlacedObjects().size() != 2 || label->PlacedState() != CAvoidObject::kPlaced) {
+        return Fail("placement");
+    }
+    if (label->Offset() != Location(20, 0)) return Fail("offset");
+    return 0;
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) return Fail("usage: kxac_consumer <index file>");
+    if (std::strcmp(KXAvoidContainerVersion(), KXAC_PACKAGE_VERSION) != 0) return Fail("version");
+    if (CheckIndex(argv[1]) != 0 || CheckPlacement() != 0) return 1;
+    std::printf("consumer: index, placement and version %s\n", KXAvoidContainerVersion());
     return 0;
 }

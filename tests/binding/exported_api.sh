@@ -1,0 +1,24 @@
+#!/bin/sh
+# Checks that a shared library keeps its internal classes hidden: the index of placed objects,
+# the run merge and other helpers of the placement (namespace kxac), the rasterizer (namespace
+# agg), the raster target, the scratch buffer and the JNI wrappers export no symbol, not even
+# through a template instantiated for them.
+#   exported_api.sh LIBRARY
+set -eu
+
+lib=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+nm -DC --defined-only "$lib" | cut -d' ' -f3- > "$work/exported"
+if [ ! -s "$work/exported" ]; then
+    echo "no symbols read from $lib" >&2
+    exit 1
+fi
+internal='(^|[^A-Za-z0-9_])(CPlacedIndex|CRLERaster|CRLECreate|CGrowBuffer|CJavaUTFString|CJavaArray|CJavaArrayTraits|agg::|kxac::)'
+if grep -E "$internal" "$work/exported" > "$work/leaked"; then
+    echo "internal symbols exported by $lib:" >&2
+    cat "$work/leaked" >&2
+    exit 1
+fi
+echo "$(wc -l < "$work/exported") symbols exported, none internal"

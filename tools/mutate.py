@@ -1,0 +1,228 @@
+#!/usr/bin/env python3
+"""Mutation testing of the library's sources against its unit tests.
+
+Generates every mutant of the sources of src/ (the Java binding left out) with universalmutator,
+installed from PyPI into a virtual environment of the build folder; shuffles them with a fixed
+seed; and takes them in that order until the requested number compiled. Each mutant is written
+into a copy of the repository, the test suites of its layer (and of the layers above it) are
+rebuilt, and ctest runs their unit tests, stopping at the first failure. A mutant is killed when
+a test fails or times out, and survives when all pass.
+
+Prints one line per mutant, then killed / compiling and every survivor (file:line, the original
+and the mutated line); the same goes to report.txt in the build folder. Not part of `make test`:
+a sample of 150 mutants takes an hour or more on two cores.
+
+    python3 tools/mutate.py --build build/mutate --mutants 150 --seed 13
+"""
+
+import argparse
+import difflib
+import hashlib
+import json
+import os
+import random
+import re
+import shutil
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+TOOL = "universalmutator==1.14.1"
+
+# The suites that a change in a folder of src/ can break: the layer's own and those of the layers
+# built on it (ctest labels, which are also the names of the test executables).
+LAYER_SUITES = {
+    "index": ["index_tests", "placement_tests", "binding_tests"],
+    "raster": ["raster_tests", "placement_tests", "binding_tests"],
+    "placement": ["placement_tests", "binding_tests"],
+}
+# Sources of src/ outside the layers: the library's main file, checked by the package test.
+TOP_SUITES = {"targets": ["KXAvoidContainer"], "labels": ["package"]}
+EXCLUDED = {"src/binding", "src/dllmain.cpp"}
+
+
+def run(cmd, timeout=None, **kw):
+    try:
+        return subprocess.run(cmd, timeout=timeout, stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, text=True, **kw)
+    except subprocess.TimeoutExpired as e:
+        return subprocess.CompletedProcess(cmd, 124, e.stdout or "", None)
+
+
+def sources(repo):
+    files = []
+    for path in sorted((repo / "src").rglob("*")):
+        rel = path.relative_to(repo).as_posix()
+        if path.suffix not in (".cpp", ".h") or rel == "src/stdafx.h":
+            continue
+        if any(rel == e or rel.startswith(e + "/") for e in EXCLUDED):
+            continue
+        files.append(rel)
+    return files
+
+
+def code_of(line):
+    """The line without its comments and whitespace."""
+    line = re.sub(r"/\*.*?\*/", "", line)
+    line = re.sub(r"//.*", "", line)
+    return re.sub(r"\s+", "", line)
+
+
+def suites_of(rel):
+    parts = rel.split("/")
+    if len(parts) == 3 and parts[1] in LAYER_SUITES:
+        return {"targets": LAYER_SUITES[parts[1]], "labels": LAYER_SUITES[parts[1]]}
+    return TOP_SUITES
+
+
+def ensure_tool(work):
+    venv = work / "venv"
+    mutate = venv / "bin" / "mutate"
+    if not mutate.exists():
+        subprocess.run([sys.executable, "-m", "venv", str(venv)], check=True)
+        subprocess.run([str(venv / "bin" / "pip"), "install", "-q", TOOL], check=True)
+    return mutate
+
+
+def generate(mutate, tree, rel, cache):
+    """Every single-line mutant of one file, as (line number, mutated line), deduplicated."""
+    original = (tree / rel).read_text().splitlines(keepends=True)
+    digest = hashlib.sha256("".join(original).encode()).hexdigest()[:16]
+    cached = cache / (rel.replace("/", "_") + "." + digest + ".json")
+    if cached.exists():
+        return json.loads(cached.read_text())
+    out = cache / "tmp"
+    shutil.rmtree(out, ignore_errors=True)
+    out.mkdir(parents=True)
+    run([str(mutate), str(tree / rel), "cpp", "--noCheck", "--mutantDir", str(out)], cwd=out)
+    seen = set()
+    mutants = []
+    for path in sorted(out.iterdir(), key=lambda p: p.name):
+        changed = path.read_text().splitlines(keepends=True)
+        ops = [op for op in difflib.SequenceMatcher(None, original, changed, autojunk=False)
+               .get_opcodes() if op[0] != "equal"]
+        # Only mutants that replace one line by one line.
+        if len(ops) != 1 or ops[0][0] != "replace":
+            continue
+        _, i1, i2, j1, j2 = ops[0]
+        if i2 - i1 != 1 or j2 - j1 != 1:
+            continue
+        key = (i1 + 1, changed[j1])
+        if key not in seen:
+            seen.add(key)
+            mutants.append([i1 + 1, changed[j1]])
+    shutil.rmtree(out, ignore_errors=True)
+    cached.write_text(json.dumps(mutants))
+    return mutants
+
+
+def copy_tree(repo, tree):
+    files = run(["git", "-C", str(repo), "ls-files", "--cached", "--others", "--exclude-standard",
+                 "-z"]).stdout.split("\0")
+    # Only files that differ are written, with a new time stamp: the build tree then rebuilds
+    # exactly what changed since the last run, a mutant left behind by an interrupted run included.
+    for f in files:
+        if not f or not (repo / f).is_file():
+            continue
+        source, copy = repo / f, tree / f
+        if copy.is_file() and copy.read_bytes() == source.read_bytes():
+            continue
+        copy.parent.mkdir(parents=True, exist_ok=True)
+        shutil.copyfile(source, copy)
+
+
+def main():
+    ap = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    ap.add_argument("--build", default="build/mutate", help="work folder (copy, build, report)")
+    ap.add_argument("--mutants", type=int, default=150, help="compiling mutants to test")
+    ap.add_argument("--seed", type=int, default=13)
+    ap.add_argument("--jobs", type=int, default=2)
+    ap.add_argument("--test-timeout", type=int, default=60, help="seconds per test")
+    ap.add_argument("--mutant-timeout", type=int, default=900, help="seconds per build or run")
+    args = ap.parse_args()
+
+    repo = Path(__file__).resolve().parent.parent
+    work = (repo / args.build).resolve() if not os.path.isabs(args.build) else Path(args.build)
+    tree, build, cache = work / "tree", work / "build", work / "mutants"
+    work.mkdir(parents=True, exist_ok=True)
+    cache.mkdir(exist_ok=True)
+
+    mutate = ensure_tool(work)
+    copy_tree(repo, tree)
+    env = dict(os.environ)
+    configure = ["cmake", "-S", str(tree), "-B", str(build), "-G", "Ninja",
+                 "-DCMAKE_BUILD_TYPE=Release"]
+    if shutil.which("ccache"):
+        configure.append("-DCMAKE_CXX_COMPILER_LAUNCHER=ccache")
+        env["CCACHE_BASEDIR"] = str(tree)
+    subprocess.run(configure, check=True, env=env, stdout=subprocess.DEVNULL)
+
+    # The unmutated code must build and pass, or every mutant would count as killed.
+    all_targets = sorted({t for s in LAYER_SUITES.values() for t in s} | {"KXAvoidContainer"})
+    base = run(["cmake", "--build", str(build), "-j", str(args.jobs), "--target", *all_targets],
+               env=env)
+    if base.returncode != 0:
+        sys.exit("mutate: the unmutated tree does not build:\n" + base.stdout[-4000:])
+    check = run(["ctest", "--test-dir", str(build), "-j", str(args.jobs), "-LE", "slow",
+                  "--timeout", str(args.test_timeout)], env=env)
+    if check.returncode != 0:
+        sys.exit("mutate: the unmutated tree fails its tests:\n" + check.stdout[-4000:])
+
+    pool = []
+    for rel in sources(tree):
+        lines = (tree / rel).read_text().splitlines(keepends=True)
+        # Mutants that change only comments or spacing are not mutants of the code.
+        pool += [(rel, line, text) for line, text in generate(mutate, tree, rel, cache)
+                 if code_of(text) != code_of(lines[line - 1])]
+    random.Random(args.seed).shuffle(pool)
+    print(f"mutate: {len(pool)} mutants of {len(sources(tree))} files, seed {args.seed}, "
+          f"taking the first {args.mutants} that compile", flush=True)
+
+    killed, survivors, not_compiling, compiled = 0, [], 0, 0
+    started = time.time()
+    for rel, line, text in pool:
+        if compiled >= args.mutants:
+            break
+        path = tree / rel
+        original = path.read_text()
+        lines = original.splitlines(keepends=True)
+        before = lines[line - 1]
+        lines[line - 1] = text
+        path.write_text("".join(lines))
+        try:
+            suites = suites_of(rel)
+            built = run(["cmake", "--build", str(build), "-j", str(args.jobs), "--target",
+                         *suites["targets"]], timeout=args.mutant_timeout, env=env)
+            if built.returncode != 0:
+                not_compiling += 1
+                continue
+            compiled += 1
+            tested = run(["ctest", "--test-dir", str(build), "-j", str(args.jobs),
+                          "--stop-on-failure", "--timeout", str(args.test_timeout), "-LE", "slow",
+                          "-L", "^(" + "|".join(suites["labels"]) + ")$"],
+                         timeout=args.mutant_timeout, env=env)
+            outcome = "killed" if tested.returncode != 0 else "SURVIVED"
+            if tested.returncode == 0:
+                survivors.append((rel, line, before.strip(), text.strip()))
+            else:
+                killed += 1
+            print(f"[{compiled}/{args.mutants}] {rel}:{line} {outcome} "
+                  f"({time.time() - started:.0f} s)", flush=True)
+        finally:
+            path.write_text(original)
+
+    report = [f"mutants: {len(pool)} generated, {compiled} compiling tested, "
+              f"{not_compiling} not compiling (skipped), seed {args.seed}",
+              f"killed {killed} / compiling {compiled} = "
+              f"{100.0 * killed / compiled if compiled else 0.0:.1f}%",
+              f"survivors ({len(survivors)}):"]
+    for rel, line, before, after in survivors:
+        report.append(f"  {rel}:{line}\n    - {before}\n    + {after}")
+    text = "\n".join(report)
+    print(text)
+    (work / "report.txt").write_text(text + "\n")
+
+
+if __name__ == "__main__":
+    main()
