@@ -14,6 +14,7 @@
 
 #include <deque>
 #include <list>
+#include <map>
 #include <queue>
 #include <string>
 #include <vector>
@@ -179,6 +180,14 @@ private:
     void DrawSegment(int x0, int y0, int x1, int y1, int width);
     // Whether the closed rectangle of the canvas misses the bounding box.
     bool OutsideCanvas(double minX, double minY, double maxX, double maxY);
+    // The columns that clipped polygons reach: the raster's width, at most the clip window's.
+    int FullWidth();
+    // Adds to m_fullRows the rows of firstRow .. lastRow that are full (one run from column 0
+    // to at least FullWidth() - 1), stopping at the first that is not when untilGap is set.
+    // Whether every row of the range is full.
+    bool NoteFullRows(int firstRow, int lastRow, bool untilGap);
+    // Takes firstRow .. lastRow out of m_fullRows.
+    void ForgetFullRows(int firstRow, int lastRow);
     // The runs-against-runs part of IsIntersect(o).
     bool RunsMeet(CAvoidObject* o) const;
     // Whether the run ends of every row are non-decreasing; cached until the grid changes.
@@ -191,9 +200,18 @@ private:
     long long m_id = 0;
     std::string m_stringId;
     int m_state = kNotAdded;
-    // Scratch of the polygon being drawn and of its clipping; reused, only grows.
+    // Scratch of the polygon being drawn, of its clipping and of its vertices in subpixels;
+    // reused, only grows.
     std::vector<double> m_polygon;
     std::vector<double> m_clipped;
+    std::vector<int> m_subpixels;
+    // Bands of rows (first -> last) known, during one line or ring call, to hold a single run
+    // from column 0 through at least FullWidth() - 1; emptied at the start of every call, since
+    // the grid may change between calls.
+    std::map<int, int> m_fullRows;
+    // On: every polygon is rasterised in full, with no shortcut (for comparisons).
+    bool m_drawEverything = false;
+    friend class FootprintReference;
     // Emptied row vectors with their capacity, handed to rows that AddRLE makes. Bounded in
     // number and size, so that one large footprint does not pin its memory to a pooled object.
     RLERows m_spareRows;

@@ -9,6 +9,8 @@
 // The rasterizer draws through the scratch memory of the attached transform, which all objects
 // of a container share: an object holds only its runs, however many objects a pool keeps.
 #include <algorithm>
+#include <climits>
+#include <iterator>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -51,6 +53,30 @@ void ClipSide(const std::vector<double>& in, std::vector<double>& out, int axis,
     }
 }
 
+long long FloorCell(int subpixel) { return subpixel >> agg::subpixel_shift; }
+long long CeilCell(int subpixel) {
+    return (static_cast<long long>(subpixel) + agg::subpixel_mask) >> agg::subpixel_shift;
+}
+
+// Polygons of fewer cells than this never fill the outline's last block, so drawing one or not
+// cannot change which cells later polygons keep.
+constexpr double kSkippableCells = (agg::outline::block_limit - 1.0) * agg::outline::block_cells;
+
+// Whether the outline of the closed polygon xy (subpixels) stores at most limit cells: each edge
+// starts a new cell at most once per row and per column it crosses, and twice more at its ends.
+bool CellsAtMost(const std::vector<int>& xy, double limit) {
+    const size_t n = xy.size() / 2;
+    double cells = 1;
+    for (size_t i = 0; i < n; ++i) {
+        const size_t j = i + 1 < n ? i + 1 : 0;
+        cells += std::fabs(static_cast<double>(FloorCell(xy[2 * j]) - FloorCell(xy[2 * i]))) +
+                 std::fabs(static_cast<double>(FloorCell(xy[2 * j + 1]) - FloorCell(xy[2 * i + 1]))) +
+                 2;
+        if (cells > limit) return false;
+    }
+    return true;
+}
+
 // The cells of a map point sequence in the transform's scratch buffer; null when there is
 // nothing to convert or the buffer cannot hold it. A trailing odd value is not converted.
 int* ToCells(CDT* dt, const double* xy, int count) {
@@ -76,6 +102,52 @@ bool CAvoidObject::OutsideCanvas(double minX, double minY, double maxX, double m
     const double y0 = static_cast<double>(dt->originY);
     return x0 + static_cast<double>(dt->width) < minX ||
            y0 + static_cast<double>(dt->height) < minY || x0 > maxX || y0 > maxY;
+}
+
+int CAvoidObject::FullWidth() {
+    return static_cast<int>(std::min<unsigned>(width(), kWindowCells + kMargin));
+}
+
+bool CAvoidObject::NoteFullRows(int firstRow, int lastRow, bool untilGap) {
+    const int lastColumn = FullWidth() - 1;
+    bool all = true;
+    for (int row = firstRow; row <= lastRow; ++row) {
+        auto next = m_fullRows.upper_bound(row);
+        if (next != m_fullRows.begin() && std::prev(next)->second >= row) {
+            row = std::prev(next)->second;  // the rest of a known band
+            continue;
+        }
+        const RLERowRuns* runs = RowRuns(row);
+        if (runs == nullptr || runs->size() != 1 || runs->front().start > 0 ||
+            runs->front().end < lastColumn) {
+            all = false;
+            if (untilGap) break;
+            continue;
+        }
+        // Join the band ending just above and the one starting just below, if any.
+        int last = row;
+        if (next != m_fullRows.end() && next->first == row + 1) {
+            last = next->second;
+            next = m_fullRows.erase(next);
+        }
+        if (next != m_fullRows.begin() && std::prev(next)->second == row - 1) {
+            std::prev(next)->second = last;
+        } else {
+            m_fullRows.emplace_hint(next, row, last);
+        }
+    }
+    return all;
+}
+
+void CAvoidObject::ForgetFullRows(int firstRow, int lastRow) {
+    auto band = m_fullRows.upper_bound(firstRow);
+    if (band != m_fullRows.begin() && std::prev(band)->second >= firstRow) --band;
+    while (band != m_fullRows.end() && band->first <= lastRow) {
+        const int first = band->first, last = band->second;
+        band = m_fullRows.erase(band);
+        if (first < firstRow) m_fullRows.emplace(first, firstRow - 1);
+        if (last > lastRow) m_fullRows.emplace(lastRow + 1, last);
+    }
 }
 
 void CAvoidObject::DrawPolygon() {
@@ -105,16 +177,49 @@ void CAvoidObject::DrawPolygon() {
         ClipSide(m_clipped, m_polygon, 1, bottom, 1.0);
         if (m_polygon.size() < 6) return;
     }
+    // The vertices as the outline takes them (subpixels inside the rasterizer's range) and
+    // their bounds.
+    const size_t vertices = m_polygon.size() / 2;
+    m_subpixels.resize(2 * vertices);
+    int x0 = INT_MAX, y0 = INT_MAX, x1 = INT_MIN, y1 = INT_MIN;
+    for (size_t i = 0; i < 2 * vertices; i += 2) {
+        const int x = m_subpixels[i] = kxac::TruncToInt(m_polygon[i]);
+        const int y = m_subpixels[i + 1] = kxac::TruncToInt(m_polygon[i + 1]);
+        x0 = std::min(x0, x);
+        x1 = std::max(x1, x);
+        y0 = std::min(y0, y);
+        y1 = std::max(y1, y);
+    }
+    // The cells the sweep can emit lie in the rows and columns the vertices span (a cell needs
+    // part of the polygon strictly inside it), cut to the raster.
+    const long long top = std::max(0LL, FloorCell(y0));
+    const long long bottom = std::min(height() - 1LL, CeilCell(y1) - 1);
+    const long long left = std::max(0LL, FloorCell(x0));
+    const long long right = std::min(width() - 1LL, CeilCell(x1) - 1);
+    // A polygon adds nothing when the raster holds none of its cells, or when its cells lie in
+    // rows that are one run from column 0 to at least its right end. Skipping one that cannot
+    // exhaust the outline's blocks leaves every later polygon's cells as they would have been.
+    if (!m_drawEverything && CellsAtMost(m_subpixels, kSkippableCells)) {
+        if (top > bottom || left > right) return;
+        if (right < FullWidth() &&
+            NoteFullRows(static_cast<int>(top), static_cast<int>(bottom), true)) {
+            return;
+        }
+    }
     agg::outline& outline = Rasterizer().get_outline();
     outline.reset();
-    const int firstX = kxac::TruncToInt(m_polygon[0]);
-    const int firstY = kxac::TruncToInt(m_polygon[1]);
-    outline.move_to(firstX, firstY);
-    for (size_t i = 2; i + 1 < m_polygon.size(); i += 2) {
-        outline.line_to(kxac::TruncToInt(m_polygon[i]), kxac::TruncToInt(m_polygon[i + 1]));
-    }
-    outline.line_to(firstX, firstY);
+    outline.walk_always(m_drawEverything);
+    outline.move_to(m_subpixels[0], m_subpixels[1]);
+    for (size_t i = 2; i + 1 < m_subpixels.size(); i += 2)
+        outline.line_to(m_subpixels[i], m_subpixels[i + 1]);
+    outline.line_to(m_subpixels[0], m_subpixels[1]);
     Sweep();
+    if (!m_drawEverything && top <= bottom) {
+        // Spans right of FullWidth() can add a second run to a full row: such rows are checked
+        // again.
+        if (right >= FullWidth()) ForgetFullRows(static_cast<int>(top), static_cast<int>(bottom));
+        NoteFullRows(static_cast<int>(top), static_cast<int>(bottom), false);
+    }
 }
 
 void CAvoidObject::DrawSegment(int x0, int y0, int x1, int y1, int width) {
@@ -135,6 +240,7 @@ void CAvoidObject::DrawSegment(int x0, int y0, int x1, int y1, int width) {
 }
 
 void CAvoidObject::AddLine(int* xy, int count, int width) {
+    m_fullRows.clear();
     if (xy != nullptr && CRLERaster::DT() != nullptr) {
         const int points = count / 2;
         for (int k = 0; k + 1 < points; ++k) {
@@ -145,6 +251,7 @@ void CAvoidObject::AddLine(int* xy, int count, int width) {
 }
 
 void CAvoidObject::AddRing(int* xy, int count) {
+    m_fullRows.clear();
     const int points = count > 0 ? count / 2 : 0;
     if (xy != nullptr && points > 0 && CRLERaster::DT() != nullptr) {
         double minX = std::numeric_limits<double>::max(), maxX = -minX;

@@ -1,0 +1,70 @@
+// Cost of lines and rings on hostile geometry: random points over the whole int range on a
+// 40000 x 40000 canvas, a stroke of half-width INT_MAX and a ring of the same points. Prints the
+// seconds of one AddLine and one AddRing call and the cells they leave.
+//
+// Usage: kxac_hostile_footprint [line points] [ring points] (both 1000000 by default; 0 skips).
+#include <chrono>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <vector>
+
+#include "placement/AvoidContainer.h"
+
+namespace {
+
+constexpr int kCanvas = 40000;
+constexpr uint32_t kSeed = 20261122;
+
+std::vector<int> RandomPoints(long points, uint32_t seed) {
+    std::mt19937 rng(seed);
+    std::uniform_int_distribution<int> any(INT_MIN, INT_MAX);
+    std::vector<int> xy(2 * static_cast<size_t>(points));
+    for (int& v : xy)
+        v = any(rng);
+    return xy;
+}
+
+long long CellCount(const CAvoidObject& obj) {
+    long long cells = 0;
+    const CRLEIndexQuery& grid = obj.Grid();
+    for (int row = grid.StartRow(); !grid.IsEmpty() && row <= grid.EndRow(); ++row) {
+        for (const RLE& run : *grid.RowRuns(row))
+            cells += static_cast<long long>(run.end) - run.start + 1;
+    }
+    return cells;
+}
+
+template <class Draw>
+void Measure(const char* what, long points, Draw&& draw) {
+    CPriorityAvoidContainer container;
+    FitDeviceRect(*container.DT(), 0, 0, kCanvas, kCanvas);
+    CAvoidObject* obj = container.NewObject();
+    std::vector<int> xy = RandomPoints(points, kSeed);
+    const auto start = std::chrono::steady_clock::now();
+    draw(*obj, xy);
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    std::printf("%-5s %8ld points  %10.3f s  %12lld cells\n", what, points, took.count(),
+                CellCount(*obj));
+    container.Recycle(obj);
+    container.Destroy();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const long linePoints = argc > 1 ? std::atol(argv[1]) : 1000000;
+    const long ringPoints = argc > 2 ? std::atol(argv[2]) : 1000000;
+    if (linePoints > 0) {
+        Measure("line", linePoints, [](CAvoidObject& obj, std::vector<int>& xy) {
+            obj.AddLine(xy.data(), static_cast<int>(xy.size()), INT_MAX);
+        });
+    }
+    if (ringPoints > 0) {
+        Measure("ring", ringPoints, [](CAvoidObject& obj, std::vector<int>& xy) {
+            obj.AddRing(xy.data(), static_cast<int>(xy.size()));
+        });
+    }
+    return 0;
+}
