@@ -8,11 +8,18 @@
 // keeps the winding of every point inside the window, so the filling rule gives the same cells).
 // The rasterizer draws through the scratch memory of the attached transform, which all objects
 // of a container share: an object holds only its runs, however many objects a pool keeps.
+//
+// Hostile input (a million segments of half-width INT_MAX over the whole int range) would draw
+// the whole window once per segment. A polygon is therefore not drawn when the raster holds none
+// of its cells, or when all its rows are already full (one run from column 0 to at least the
+// window's right edge, which adding cells inside it leaves exactly as it is) and it lies within
+// those columns. Whether a polygon is drawn can also change what later ones store, through the
+// outline's cell limit: only polygons too small to reach the limit are ever skipped.
 #include <algorithm>
 #include <climits>
-#include <iterator>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 
 #include "placement/AvoidContainer.h"
@@ -69,9 +76,9 @@ bool CellsAtMost(const std::vector<int>& xy, double limit) {
     double cells = 1;
     for (size_t i = 0; i < n; ++i) {
         const size_t j = i + 1 < n ? i + 1 : 0;
-        cells += std::fabs(static_cast<double>(FloorCell(xy[2 * j]) - FloorCell(xy[2 * i]))) +
-                 std::fabs(static_cast<double>(FloorCell(xy[2 * j + 1]) - FloorCell(xy[2 * i + 1]))) +
-                 2;
+        cells +=
+            std::fabs(static_cast<double>(FloorCell(xy[2 * j]) - FloorCell(xy[2 * i]))) +
+            std::fabs(static_cast<double>(FloorCell(xy[2 * j + 1]) - FloorCell(xy[2 * i + 1]))) + 2;
         if (cells > limit) return false;
     }
     return true;
