@@ -2,7 +2,11 @@
 // 40000 x 40000 canvas, a stroke of half-width INT_MAX and a ring of the same points. Prints the
 // seconds of one AddLine and one AddRing call and the cells they leave.
 //
-// Usage: kxac_hostile_footprint [line points] [ring points] (both 1000000 by default; 0 skips).
+// A third case is a zigzag ring whose edges run from one end of the int range to the other,
+// rising 5,200 rows each: inside the canvas every edge crosses all columns a few subpixels high.
+//
+// Usage: kxac_hostile_footprint [line points] [ring points] [zigzag points]
+// (1000000 each by default; 0 skips a case).
 #include <chrono>
 #include <climits>
 #include <cstdio>
@@ -45,7 +49,7 @@ void Measure(const char* what, long points, Draw&& draw) {
     const auto start = std::chrono::steady_clock::now();
     draw(*obj, xy);
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-    std::printf("%-5s %8ld points  %10.3f s  %12lld cells\n", what, points, took.count(),
+    std::printf("%-6s %8ld points  %10.3f s  %12lld cells\n", what, points, took.count(),
                 CellCount(*obj));
     container.Recycle(obj);
     container.Destroy();
@@ -61,8 +65,18 @@ int main(int argc, char** argv) {
             obj.AddLine(xy.data(), static_cast<int>(xy.size()), INT_MAX);
         });
     }
+    const long zigzagPoints = argc > 3 ? std::atol(argv[3]) : 1000000;
     if (ringPoints > 0) {
         Measure("ring", ringPoints, [](CAvoidObject& obj, std::vector<int>& xy) {
+            obj.AddRing(xy.data(), static_cast<int>(xy.size()));
+        });
+    }
+    if (zigzagPoints > 0) {
+        Measure("zigzag", zigzagPoints, [](CAvoidObject& obj, std::vector<int>& xy) {
+            for (size_t i = 0; i < xy.size(); i += 2) {
+                xy[i] = (i / 2) % 2 == 0 ? INT_MIN : INT_MAX;
+                xy[i + 1] = (i / 2) % 2 == 0 ? 7400 : 12600;
+            }
             obj.AddRing(xy.data(), static_cast<int>(xy.size()));
         });
     }
