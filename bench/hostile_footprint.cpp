@@ -9,9 +9,11 @@
 // (1000000 each by default; 0 skips a case).
 #include <chrono>
 #include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "placement/AvoidContainer.h"
@@ -30,14 +32,22 @@ std::vector<int> RandomPoints(long points, uint32_t seed) {
     return xy;
 }
 
-long long CellCount(const CAvoidObject& obj) {
+// The cells of the object's runs, and a hash of every run (row, start, end) in order, so that
+// two builds can be compared run by run.
+std::pair<long long, uint64_t> Cells(const CAvoidObject& obj) {
     long long cells = 0;
+    uint64_t hash = 14695981039346656037ull;
+    auto mix = [&hash](int v) { hash = (hash ^ static_cast<uint32_t>(v)) * 1099511628211ull; };
     const CRLEIndexQuery& grid = obj.Grid();
     for (int row = grid.StartRow(); !grid.IsEmpty() && row <= grid.EndRow(); ++row) {
-        for (const RLE& run : *grid.RowRuns(row))
+        for (const RLE& run : *grid.RowRuns(row)) {
             cells += static_cast<long long>(run.end) - run.start + 1;
+            mix(row);
+            mix(run.start);
+            mix(run.end);
+        }
     }
-    return cells;
+    return {cells, hash};
 }
 
 template <class Draw>
@@ -49,8 +59,9 @@ void Measure(const char* what, long points, Draw&& draw) {
     const auto start = std::chrono::steady_clock::now();
     draw(*obj, xy);
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-    std::printf("%-6s %8ld points  %10.3f s  %12lld cells\n", what, points, took.count(),
-                CellCount(*obj));
+    const auto cells = Cells(*obj);
+    std::printf("%-6s %8ld points  %10.3f s  %12lld cells  runs %016llx\n", what, points,
+                took.count(), cells.first, static_cast<unsigned long long>(cells.second));
     container.Recycle(obj);
     container.Destroy();
 }
