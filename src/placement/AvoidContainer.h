@@ -65,6 +65,25 @@ struct AvoidObjectFields {
 // rounding of the clipped vertices to subpixels at the window's edge. The window reaches at most
 // 32,000 cells into the raster: on a larger canvas, cells beyond that come only from shapes
 // inside the range.
+//
+// Cost of one call, with n points, R = min(canvas height, 32,008) and C = min(canvas width,
+// 32,008) (a shape inside the rasterizer's range stands for its own extent instead, under 65,536
+// rows and 32,767 columns):
+// - AddRing: O(n) to bound and clip the ring, then the outline, which walks only cells it stores
+//   (plus O(1) per edge and per row an edge crosses) and stores at most 4,194,304 cells per
+//   polygon; sorting and sweeping them, and merging the runs of at most R rows. So at most
+//   O(n + R + 2^22 log 2^22), whatever the coordinates; once an object's outline has stored that
+//   many cells it stores none again, and later polygons cost O(their points).
+// - AddLine: O(n) for the segments that miss the canvas. A segment that meets it is clipped
+//   (O(1)) and then skipped at O(log) cost when the raster holds none of its cells, or when every
+//   row it spans is already one run from column 0 to at least min(width, 32,004) - 1 and it
+//   reaches no further right; such rows are found as the call draws, and read from the grid,
+//   once each, when a segment lies over them. Any other segment is rasterised: O(R + C) cells,
+//   their sort, and run merges over its rows. So a call costs at most O(n + s (R + C) log(R + C))
+//   for s segments drawn, and a stroke that covers the whole raster makes every later segment of
+//   the call cost O(1). A segment that covers only cells already occupied, in rows that are not
+//   full, is still drawn.
+// Answers are the same as drawing every polygon in full, to the cell.
 class KXAC_API CAvoidObject : private kxac::AvoidObjectFields,
                               private CRLEIndexCreate,
                               private CRLERaster {
@@ -181,7 +200,9 @@ private:
     void Changed() {
         if (m_watch) m_watch->raised = true;
     }
-    // Rasterises the polygon in m_polygon (subpixel coordinates, not yet truncated).
+    // The drawing scratch of the attached transform, which must be there.
+    kxac::FootprintScratch& Scratch() { return CRLERaster::DT()->footprint; }
+    // Rasterises the polygon in Scratch().polygon (subpixel coordinates, not yet truncated).
     void DrawPolygon();
     void DrawSegment(int x0, int y0, int x1, int y1, int width);
     // Adds the cells of a polygon that is a rectangle on cell corners, with these bounds in
@@ -189,6 +210,14 @@ private:
     void DrawCellRectangle(double minX, double minY, double maxX, double maxY);
     // Whether the closed rectangle of the canvas misses the bounding box.
     bool OutsideCanvas(double minX, double minY, double maxX, double maxY);
+    // The columns that clipped polygons reach: the raster's width, at most the clip window's.
+    int FullWidth();
+    // Adds to Scratch().fullRows the rows of firstRow .. lastRow that are full (one run from column
+    // 0 to at least FullWidth() - 1), stopping at the first that is not when untilGap is set.
+    // Whether every row of the range is full.
+    bool NoteFullRows(int firstRow, int lastRow, bool untilGap);
+    // Takes firstRow .. lastRow out of Scratch().fullRows.
+    void ForgetFullRows(int firstRow, int lastRow);
     // The runs-against-runs part of IsIntersect(o).
     bool RunsMeet(CAvoidObject* o) const;
     // Empties the grid, keeping the room of a few rows for the next footprint.
@@ -197,9 +226,6 @@ private:
     long long m_id = 0;
     std::string m_stringId;
     int m_state = kNotAdded;
-    // Scratch of the polygon being drawn and of its clipping; reused, only grows.
-    std::vector<double> m_polygon;
-    std::vector<double> m_clipped;
     std::shared_ptr<kxac::ChangeSignal> m_watch;
 };
 

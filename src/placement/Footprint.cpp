@@ -8,9 +8,18 @@
 // keeps the winding of every point inside the window, so the filling rule gives the same cells).
 // The rasterizer draws through the scratch memory of the attached transform, which all objects
 // of a container share: an object holds only its runs, however many objects a pool keeps.
+//
+// Hostile input (a million segments of half-width INT_MAX over the whole int range) would draw
+// the whole window once per segment. A polygon is therefore not drawn when the raster holds none
+// of its cells, or when all its rows are already full (one run from column 0 to at least the
+// window's right edge, which adding cells inside it leaves exactly as it is) and it lies within
+// those columns. Whether a polygon is drawn can also change what later ones store, through the
+// outline's cell limit: only polygons too small to reach the limit are ever skipped.
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 
 #include "placement/AvoidContainer.h"
@@ -49,6 +58,30 @@ void ClipSide(const std::vector<double>& in, std::vector<double>& out, int axis,
         }
         if (bIn) out.insert(out.end(), b, b + 2);
     }
+}
+
+long long FloorCell(int subpixel) { return subpixel >> agg::subpixel_shift; }
+long long CeilCell(int subpixel) {
+    return (static_cast<long long>(subpixel) + agg::subpixel_mask) >> agg::subpixel_shift;
+}
+
+// Polygons of fewer cells than this never fill the outline's last block, so drawing one or not
+// cannot change which cells later polygons keep.
+constexpr double kSkippableCells = (agg::outline::block_limit - 1.0) * agg::outline::block_cells;
+
+// Whether the outline of the closed polygon xy (subpixels) stores at most limit cells: each edge
+// starts a new cell at most once per row and per column it crosses, and twice more at its ends.
+bool CellsAtMost(const std::vector<int>& xy, double limit) {
+    const size_t n = xy.size() / 2;
+    double cells = 1;
+    for (size_t i = 0; i < n; ++i) {
+        const size_t j = i + 1 < n ? i + 1 : 0;
+        cells +=
+            std::fabs(static_cast<double>(FloorCell(xy[2 * j]) - FloorCell(xy[2 * i]))) +
+            std::fabs(static_cast<double>(FloorCell(xy[2 * j + 1]) - FloorCell(xy[2 * i + 1]))) + 2;
+        if (cells > limit) return false;
+    }
+    return true;
 }
 
 // The cells of a map point sequence in the transform's scratch buffer; null when there is
@@ -111,14 +144,60 @@ bool CAvoidObject::OutsideCanvas(double minX, double minY, double maxX, double m
            y0 + static_cast<double>(dt->height) < minY || x0 > maxX || y0 > maxY;
 }
 
+int CAvoidObject::FullWidth() {
+    return static_cast<int>(std::min<unsigned>(width(), kWindowCells + kMargin));
+}
+
+bool CAvoidObject::NoteFullRows(int firstRow, int lastRow, bool untilGap) {
+    const int lastColumn = FullWidth() - 1;
+    bool all = true;
+    for (int row = firstRow; row <= lastRow; ++row) {
+        auto next = Scratch().fullRows.upper_bound(row);
+        if (next != Scratch().fullRows.begin() && std::prev(next)->second >= row) {
+            row = std::prev(next)->second;  // the rest of a known band
+            continue;
+        }
+        const RLERowRuns* runs = RowRuns(row);
+        if (runs == nullptr || runs->size() != 1 || runs->front().start > 0 ||
+            runs->front().end < lastColumn) {
+            all = false;
+            if (untilGap) break;
+            continue;
+        }
+        // Join the band ending just above and the one starting just below, if any.
+        int last = row;
+        if (next != Scratch().fullRows.end() && next->first == row + 1) {
+            last = next->second;
+            next = Scratch().fullRows.erase(next);
+        }
+        if (next != Scratch().fullRows.begin() && std::prev(next)->second == row - 1) {
+            std::prev(next)->second = last;
+        } else {
+            Scratch().fullRows.emplace_hint(next, row, last);
+        }
+    }
+    return all;
+}
+
+void CAvoidObject::ForgetFullRows(int firstRow, int lastRow) {
+    auto band = Scratch().fullRows.upper_bound(firstRow);
+    if (band != Scratch().fullRows.begin() && std::prev(band)->second >= firstRow) --band;
+    while (band != Scratch().fullRows.end() && band->first <= lastRow) {
+        const int first = band->first, last = band->second;
+        band = Scratch().fullRows.erase(band);
+        if (first < firstRow) Scratch().fullRows.emplace(first, firstRow - 1);
+        if (last > lastRow) Scratch().fullRows.emplace(lastRow + 1, last);
+    }
+}
+
 void CAvoidObject::DrawPolygon() {
-    const size_t n = m_polygon.size() / 2;
+    const size_t n = Scratch().polygon.size() / 2;
     if (n == 0) return;
     double minX = std::numeric_limits<double>::infinity(), maxX = -minX;
     double minY = minX, maxY = -minX;
     for (size_t i = 0; i < n; ++i) {
-        const double x = m_polygon[2 * i];
-        const double y = m_polygon[2 * i + 1];
+        const double x = Scratch().polygon[2 * i];
+        const double y = Scratch().polygon[2 * i + 1];
         if (!std::isfinite(x) || !std::isfinite(y)) return;
         minX = std::min(minX, x);
         maxX = std::max(maxX, x);
@@ -128,30 +207,64 @@ void CAvoidObject::DrawPolygon() {
     const bool inRange = CellOf(minX) >= kMinCell && CellOf(maxX) <= kMaxCell &&
                          CellOf(minY) >= kMinCell && CellOf(maxY) <= kMaxCell &&
                          CellOf(maxX) - CellOf(minX) < kMaxColumns;
-    if (inRange && IsCellRectangle(m_polygon)) {
-        DrawCellRectangle(minX, minY, maxX, maxY);
+    if (inRange && IsCellRectangle(Scratch().polygon)) {
+        // An exhausted raster stores no cell of any polygon.
+        if (!Exhausted()) DrawCellRectangle(minX, minY, maxX, maxY);
         return;
     }
     if (!inRange) {
         const double left = -kMargin * kSubpixels;
         const double right = (std::min(width(), kWindowCells) + kMargin) * kSubpixels;
         const double bottom = (std::min(height(), kWindowCells) + kMargin) * kSubpixels;
-        ClipSide(m_polygon, m_clipped, 0, left, -1.0);
-        ClipSide(m_clipped, m_polygon, 0, right, 1.0);
-        ClipSide(m_polygon, m_clipped, 1, left, -1.0);
-        ClipSide(m_clipped, m_polygon, 1, bottom, 1.0);
-        if (m_polygon.size() < 6) return;
+        ClipSide(Scratch().polygon, Scratch().clipped, 0, left, -1.0);
+        ClipSide(Scratch().clipped, Scratch().polygon, 0, right, 1.0);
+        ClipSide(Scratch().polygon, Scratch().clipped, 1, left, -1.0);
+        ClipSide(Scratch().clipped, Scratch().polygon, 1, bottom, 1.0);
+        if (Scratch().polygon.size() < 6) return;
+    }
+    // The vertices as the outline takes them (subpixels inside the rasterizer's range) and
+    // their bounds.
+    const size_t vertices = Scratch().polygon.size() / 2;
+    Scratch().subpixels.resize(2 * vertices);
+    int x0 = INT_MAX, y0 = INT_MAX, x1 = INT_MIN, y1 = INT_MIN;
+    for (size_t i = 0; i < 2 * vertices; i += 2) {
+        const int x = Scratch().subpixels[i] = kxac::TruncToInt(Scratch().polygon[i]);
+        const int y = Scratch().subpixels[i + 1] = kxac::TruncToInt(Scratch().polygon[i + 1]);
+        x0 = std::min(x0, x);
+        x1 = std::max(x1, x);
+        y0 = std::min(y0, y);
+        y1 = std::max(y1, y);
+    }
+    // The cells the sweep can emit lie in the rows and columns the vertices span (a cell needs
+    // part of the polygon strictly inside it), cut to the raster.
+    const long long top = std::max(0LL, FloorCell(y0));
+    const long long bottom = std::min(height() - 1LL, CeilCell(y1) - 1);
+    const long long left = std::max(0LL, FloorCell(x0));
+    const long long right = std::min(width() - 1LL, CeilCell(x1) - 1);
+    // A polygon adds nothing when the raster holds none of its cells, or when its cells lie in
+    // rows that are one run from column 0 to at least its right end. Skipping one that cannot
+    // exhaust the outline's blocks leaves every later polygon's cells as they would have been.
+    if (!Scratch().drawEverything && CellsAtMost(Scratch().subpixels, kSkippableCells)) {
+        if (top > bottom || left > right) return;
+        if (right < FullWidth() &&
+            NoteFullRows(static_cast<int>(top), static_cast<int>(bottom), true)) {
+            return;
+        }
     }
     agg::outline& outline = Rasterizer().get_outline();
     outline.reset();
-    const int firstX = kxac::TruncToInt(m_polygon[0]);
-    const int firstY = kxac::TruncToInt(m_polygon[1]);
-    outline.move_to(firstX, firstY);
-    for (size_t i = 2; i + 1 < m_polygon.size(); i += 2) {
-        outline.line_to(kxac::TruncToInt(m_polygon[i]), kxac::TruncToInt(m_polygon[i + 1]));
-    }
-    outline.line_to(firstX, firstY);
+    outline.walk_always(Scratch().drawEverything);
+    outline.move_to(Scratch().subpixels[0], Scratch().subpixels[1]);
+    for (size_t i = 2; i + 1 < Scratch().subpixels.size(); i += 2)
+        outline.line_to(Scratch().subpixels[i], Scratch().subpixels[i + 1]);
+    outline.line_to(Scratch().subpixels[0], Scratch().subpixels[1]);
     Sweep();
+    if (!Scratch().drawEverything && top <= bottom) {
+        // Spans right of FullWidth() can add a second run to a full row: such rows are checked
+        // again.
+        if (right >= FullWidth()) ForgetFullRows(static_cast<int>(top), static_cast<int>(bottom));
+        NoteFullRows(static_cast<int>(top), static_cast<int>(bottom), false);
+    }
 }
 
 void CAvoidObject::DrawSegment(int x0, int y0, int x1, int y1, int width) {
@@ -165,14 +278,16 @@ void CAvoidObject::DrawSegment(int x0, int y0, int x1, int y1, int width) {
     const double len = std::sqrt(dx * dx + dy * dy);
     const double ox = static_cast<double>(width) * dy / len;
     const double oy = static_cast<double>(width) * dx / len;
-    m_polygon.assign({(x0 - ox) * kSubpixels, (y0 + oy) * kSubpixels, (x1 - ox) * kSubpixels,
-                      (y1 + oy) * kSubpixels, (x1 + ox) * kSubpixels, (y1 - oy) * kSubpixels,
-                      (x0 + ox) * kSubpixels, (y0 - oy) * kSubpixels});
+    Scratch().polygon.assign({(x0 - ox) * kSubpixels, (y0 + oy) * kSubpixels,
+                              (x1 - ox) * kSubpixels, (y1 + oy) * kSubpixels,
+                              (x1 + ox) * kSubpixels, (y1 - oy) * kSubpixels,
+                              (x0 + ox) * kSubpixels, (y0 - oy) * kSubpixels});
     DrawPolygon();
 }
 
 void CAvoidObject::AddLine(int* xy, int count, int width) {
     if (xy != nullptr && CRLERaster::DT() != nullptr) {
+        Scratch().fullRows.clear();
         const int points = count / 2;
         for (int k = 0; k + 1 < points; ++k) {
             DrawSegment(xy[2 * k], xy[2 * k + 1], xy[2 * k + 2], xy[2 * k + 3], width);
@@ -184,6 +299,7 @@ void CAvoidObject::AddLine(int* xy, int count, int width) {
 void CAvoidObject::AddRing(int* xy, int count) {
     const int points = count > 0 ? count / 2 : 0;
     if (xy != nullptr && points > 0 && CRLERaster::DT() != nullptr) {
+        Scratch().fullRows.clear();
         double minX = std::numeric_limits<double>::max(), maxX = -minX;
         double minY = minX, maxY = -minX;
         for (int k = 0; k < points; ++k) {
@@ -193,9 +309,9 @@ void CAvoidObject::AddRing(int* xy, int count) {
             maxY = std::max<double>(maxY, xy[2 * k + 1]);
         }
         if (!OutsideCanvas(minX, minY, maxX, maxY)) {
-            m_polygon.resize(2 * static_cast<size_t>(points));
-            for (size_t i = 0; i < m_polygon.size(); ++i)
-                m_polygon[i] = xy[i] * kSubpixels;
+            Scratch().polygon.resize(2 * static_cast<size_t>(points));
+            for (size_t i = 0; i < Scratch().polygon.size(); ++i)
+                Scratch().polygon[i] = xy[i] * kSubpixels;
             DrawPolygon();
         }
     }

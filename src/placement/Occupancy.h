@@ -12,7 +12,6 @@
 #include <cstdint>
 #include <vector>
 
-
 namespace kxac {
 
 class Occupancy {

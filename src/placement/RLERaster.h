@@ -48,6 +48,9 @@ protected:
     // Sweeps the rasterizer's current outline into this raster: each clipped span goes to
     // AddRLE. Nothing happens when the outline holds no cells.
     void Sweep();
+    // Whether a polygon of this raster once used every cell block the rasterizer allows: no
+    // later polygon stores a cell.
+    bool Exhausted() const { return blocks >= agg::outline::block_limit; }
 
 private:
     agg::run_row<CRLECreate> record{0, nullptr};

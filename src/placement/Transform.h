@@ -4,6 +4,8 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <vector>
 
 #include "raster/agg.h"
 #include "stdafx.h"
@@ -35,6 +37,20 @@ public:
     bool SetSize(uint32_t n);
 };
 
+namespace kxac {
+// What lines and rings are drawn through: the polygon being drawn, its clipping and its vertices
+// in subpixels, and the bands of rows (first -> last) known, during one line or ring call, to be
+// full across the raster. Reused from call to call; the vectors only grow.
+struct FootprintScratch {
+    std::vector<double> polygon;
+    std::vector<double> clipped;
+    std::vector<int> subpixels;
+    std::map<int, int> fullRows;
+    // On: every polygon is rasterised in full, with no shortcut (for comparisons).
+    bool drawEverything = false;
+};
+}  // namespace kxac
+
 // Held by value in a container and shared by the objects it hands out, which also draw with its
 // rasterizer, one polygon at a time.
 struct KXAC_API CDT {
@@ -50,6 +66,7 @@ struct KXAC_API CDT {
     CGrowBuffer scratch;
     // The rasterizer every object of the container draws with, one polygon at a time.
     agg::rasterizer raster;
+    kxac::FootprintScratch footprint;
 };
 
 // Sets the device rectangle (differences taken in 32 bits) and refits the map extent held to it.

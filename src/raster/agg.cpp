@@ -187,6 +187,14 @@ void outline::allocate_block() {
 }
 
 void outline::render_line(int x1, int y1, int x2, int y2) {
+    if (exhausted()) {
+        // Only the bounds can still change; pieces of a cut edge would widen them no further.
+        for (int ey : {y1 >> subpixel_shift, y2 >> subpixel_shift}) {
+            if (ey < min_y_) min_y_ = ey;
+            if (ey + 1 > max_y_) max_y_ = ey + 1;
+        }
+        return;
+    }
     const int64_t wide_dx = int64_t{x2} - x1;
     const int64_t wide_dy = int64_t{y2} - y1;
     if (wide_dx > max_edge_dx || wide_dx < -max_edge_dx || wide_dy > max_edge_dy ||
@@ -238,6 +246,7 @@ void outline::render_line(int x1, int y1, int x2, int y2) {
             current_.area = area;
             ey1 += incr;
             set_cell(ex, ey1);
+            if (exhausted()) return;
         }
         d = fy2 - subpixel_scale + first;
         current_.cover = wrap_add(current_.cover, d);
@@ -275,6 +284,7 @@ void outline::render_line(int x1, int y1, int x2, int y2) {
             x_from = x_to;
             ey1 += incr;
             set_cell(x_from >> subpixel_shift, ey1);
+            if (exhausted()) return;
         }
     }
     render_row(ey1, x_from, subpixel_scale - first, x2, fy2);
@@ -320,6 +330,27 @@ void outline::render_row(int ey, int x1, int y1, int x2, int y2) {
         const floor_div step(subpixel_scale * (y2 - y1 + delta), dx);
         mod -= dx;
         while (ex1 != ex2) {
+            // A run of steps that add nothing (delta 0: no carry when the quotient is 0, a carry
+            // when it is -1) only moves the current cell; its zero cells are never stored. The
+            // run is taken in one move, so a shallow edge costs its covered cells, not its
+            // columns. mod stays in [-dx, 0) between steps.
+            if (!walk_always_ && (step.quot == 0 || step.quot == -1)) {
+                int64_t zeros = 0;
+                if (step.quot == 0) {
+                    if (mod + step.rem < 0)
+                        zeros = step.rem == 0 ? INT32_MAX : (-int64_t{mod} - 1) / step.rem;
+                } else if (mod + step.rem >= 0) {
+                    zeros = 1 + (int64_t{mod} + step.rem) / (dx - step.rem);
+                }
+                zeros = std::min<int64_t>(zeros, int64_t{ex2 - ex1} * incr);
+                if (zeros > 1) {
+                    const int64_t carry = step.quot == 0 ? 0 : dx;
+                    mod = static_cast<int>(mod + zeros * (step.rem - carry));
+                    ex1 += static_cast<int>(zeros) * incr;
+                    set_cell(ex1, ey);
+                    continue;
+                }
+            }
             delta = step.quot;
             mod += step.rem;
             if (mod >= 0) {

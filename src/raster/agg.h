@@ -83,6 +83,13 @@ private:
 // allocated, which the limit reads, is the outline's own. Drawing through a shared storage, or
 // releasing the own one after every polygon, stores exactly the cells an outline that kept its
 // blocks would store.
+//
+// Cost: a polygon of n edges costs O(n) plus the cells it stores, and no more than 4,194,304
+// cells are ever stored. Within a row, a run of columns that an edge crosses without adding
+// cover or area is passed in one step (those cells would be empty and are never stored), so a
+// shallow edge costs the cells it covers, not the columns it spans. Once the limit drops a cell,
+// no later cell of the polygon is stored either: the edge being walked stops at its next row and
+// every later edge only widens the bounds.
 class outline {
 public:
     enum : unsigned {
@@ -106,6 +113,9 @@ public:
     // alive while the outline uses it, and calls reset() before the next polygon.
     void share(cell_storage* storage) { storage_ = storage != nullptr ? storage : &own_; }
     void move_to(int x, int y);
+    // Walks every edge cell by cell, empty cells and cells that can no longer be stored
+    // included. Off by default; the cells stored and the bounds are the same either way.
+    void walk_always(bool on) { walk_always_ = on; }
     // An edge 32,768 or more columns wide (beyond the supported range) is first cut into
     // shorter pieces, which keeps the walk's arithmetic inside 32 bits.
     void line_to(int x, int y);
@@ -128,6 +138,11 @@ public:
 private:
     enum : unsigned { contour_open = 1, sort_pending = 2 };
 
+    // No further cell of the current polygon can be stored: the next flush would need a block
+    // beyond the limit, and a dropped flush leaves the count where it is.
+    bool exhausted() const {
+        return (cell_count_ & block_mask) == 0 && block_count_ >= block_limit && !walk_always_;
+    }
     void render_line(int x1, int y1, int x2, int y2);
     void render_row(int ey, int x1, int y1, int x2, int y2);
     void set_cell(int ex, int ey);
@@ -155,6 +170,7 @@ private:
     int max_x_;
     int max_y_;
     unsigned flags_ = sort_pending;
+    bool walk_always_ = false;
 };
 
 // The spans of one row, as indexes into a coverage array that starts at column origin_x().
