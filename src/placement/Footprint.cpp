@@ -207,11 +207,7 @@ void CAvoidObject::DrawPolygon() {
     const bool inRange = CellOf(minX) >= kMinCell && CellOf(maxX) <= kMaxCell &&
                          CellOf(minY) >= kMinCell && CellOf(maxY) <= kMaxCell &&
                          CellOf(maxX) - CellOf(minX) < kMaxColumns;
-    if (inRange && IsCellRectangle(Scratch().polygon)) {
-        // An exhausted raster stores no cell of any polygon.
-        if (!Exhausted()) DrawCellRectangle(minX, minY, maxX, maxY);
-        return;
-    }
+    const bool rectangle = inRange && IsCellRectangle(Scratch().polygon);
     if (!inRange) {
         const double left = -kMargin * kSubpixels;
         const double right = (std::min(width(), kWindowCells) + kMargin) * kSubpixels;
@@ -251,14 +247,21 @@ void CAvoidObject::DrawPolygon() {
             return;
         }
     }
-    agg::outline& outline = Rasterizer().get_outline();
-    outline.reset();
-    outline.walk_always(Scratch().drawEverything);
-    outline.move_to(Scratch().subpixels[0], Scratch().subpixels[1]);
-    for (size_t i = 2; i + 1 < Scratch().subpixels.size(); i += 2)
-        outline.line_to(Scratch().subpixels[i], Scratch().subpixels[i + 1]);
-    outline.line_to(Scratch().subpixels[0], Scratch().subpixels[1]);
-    Sweep();
+    if (rectangle) {
+        // An exhausted raster stores no cell of any polygon.
+        if (!Exhausted()) DrawCellRectangle(minX, minY, maxX, maxY);
+        // The notes of full rows only save work: worth taking for a rectangle across the raster.
+        if (left > 0 || right < FullWidth() - 1) return;
+    } else {
+        agg::outline& outline = Rasterizer().get_outline();
+        outline.reset();
+        outline.walk_always(Scratch().drawEverything);
+        outline.move_to(Scratch().subpixels[0], Scratch().subpixels[1]);
+        for (size_t i = 2; i + 1 < Scratch().subpixels.size(); i += 2)
+            outline.line_to(Scratch().subpixels[i], Scratch().subpixels[i + 1]);
+        outline.line_to(Scratch().subpixels[0], Scratch().subpixels[1]);
+        Sweep();
+    }
     if (!Scratch().drawEverything && top <= bottom) {
         // Spans right of FullWidth() can add a second run to a full row: such rows are checked
         // again.
