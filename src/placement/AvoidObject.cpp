@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "placement/AvoidContainer.h"
+#include "placement/AvoidObject.h"
 #include "placement/RowMerge.h"
 
 namespace {

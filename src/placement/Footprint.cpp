@@ -22,7 +22,7 @@
 #include <iterator>
 #include <limits>
 
-#include "placement/AvoidContainer.h"
+#include "placement/AvoidObject.h"
 
 namespace {
 

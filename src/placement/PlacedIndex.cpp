@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <climits>
 
-#include "placement/AvoidContainer.h"
+#include "placement/AvoidObject.h"
 #include "placement/RowMerge.h"
 
 namespace {

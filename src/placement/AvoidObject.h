@@ -1,0 +1,216 @@
+// An object to be placed: its footprint (boxes, and runs rasterised from lines and rings), its
+// candidate offsets, its identity and its placed state, with the footprint collision tests.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "index/RLEIndex.h"
+#include "placement/ChangeSignal.h"
+#include "placement/Geometry.h"
+#include "placement/RLERaster.h"
+#include "placement/Transform.h"
+#include "stdafx.h"
+
+namespace kxac {
+// The fields of an avoid object that every collision test reads. Kept in a base of their own so
+// that they lie next to the object's grid, ahead of its raster: a test of a placed object then
+// touches the start of the object only.
+struct AvoidObjectFields {
+    enum class Regularity : unsigned char { kUnknown, kRegular, kIrregular };
+
+    std::vector<Box> m_boxes;
+    std::vector<Location> m_offsets;
+    size_t m_position = 0;
+    // Nothing ever grows it: it keeps MaxExtent's widening toward cell (1, 1).
+    Box m_declaredExtent;
+    Box m_runExtent;
+    // Whether the run ends of every row are non-decreasing; known until the grid changes.
+    mutable Regularity m_regularity = Regularity::kUnknown;
+};
+}  // namespace kxac
+
+// One object to be placed. Its footprint never moves: every test shifts it by the current offset
+// at the moment of the test.
+//
+// Extents: the run extent is recorded from the grid by RecordMaxRLE (lines and rings record it
+// after every call). MaxExtent() is the empty box united with the run extent, so a run extent
+// right of and below cell (1, 1) is stretched out to that cell; boxes take part in no extent, and
+// an object without runs is not valid and collides with nothing.
+//
+// Lines and rings need the attached transform: the canvas-bounds test reads its origin and size,
+// the double forms its map extent and resolution. Without a transform they add nothing. Spans are
+// clipped to the raster (columns 0 .. width - 1, rows 0 .. height - 1). A trailing odd coordinate
+// value is ignored, and a null array draws nothing. A segment of length 0 draws nothing.
+//
+// The rasterizer is exact for cell coordinates within 16 bits and shapes narrower than 32,767
+// columns; a stroke or ring inside that range gives exactly its cells. One that leaves it (for
+// instance coordinates of a million cells) is first clipped to a window of the raster with a
+// margin of a few cells, so the cells inside the raster are those of the exact shape, up to the
+// rounding of the clipped vertices to subpixels at the window's edge. The window reaches at most
+// 32,000 cells into the raster: on a larger canvas, cells beyond that come only from shapes
+// inside the range.
+//
+// Cost of one call, with n points, R = min(canvas height, 32,008) and C = min(canvas width,
+// 32,008) (a shape inside the rasterizer's range stands for its own extent instead, under 65,536
+// rows and 32,767 columns):
+// - AddRing: O(n) to bound and clip the ring, then the outline, which walks only cells it stores
+//   (plus O(1) per edge and per row an edge crosses) and stores at most 4,194,304 cells per
+//   polygon; sorting and sweeping them, and merging the runs of at most R rows. So at most
+//   O(n + R + 2^22 log 2^22), whatever the coordinates; once an object's outline has stored that
+//   many cells it stores none again, and later polygons cost O(their points).
+// - AddLine: O(n) for the segments that miss the canvas. A segment that meets it is clipped
+//   (O(1)) and then skipped at O(log) cost when the raster holds none of its cells, or when every
+//   row it spans is already one run from column 0 to at least min(width, 32,004) - 1 and it
+//   reaches no further right; such rows are found as the call draws, and read from the grid,
+//   once each, when a segment lies over them. Any other segment is rasterised: O(R + C) cells,
+//   their sort, and run merges over its rows. So a call costs at most O(n + s (R + C) log(R + C))
+//   for s segments drawn, and a stroke that covers the whole raster makes every later segment of
+//   the call cost O(1). A segment that covers only cells already occupied, in rows that are not
+//   full, is still drawn.
+// Answers are the same as drawing every polygon in full, to the cell.
+class KXAC_API CAvoidObject : private kxac::AvoidObjectFields,
+                              private CRLEIndexCreate,
+                              private CRLERaster {
+public:
+    // State 0: not added since the last Reset; 1: placed; 2: not placed.
+    enum : int { kNotAdded = 0, kPlaced = 1, kNotPlaced = 2 };
+
+    CAvoidObject();
+    ~CAvoidObject() override;
+    CAvoidObject(const CAvoidObject&) = delete;
+    CAvoidObject& operator=(const CAvoidObject&) = delete;
+
+    // Frees the runs, empties boxes and offsets, puts (0, 0) as the only offset and makes it
+    // current, empties both extents, numeric ID 0, state 0. String ID and transform stay.
+    void Reset();
+
+    // The offsets, to append to or walk. A placed object's container is told that its footprint
+    // may change through the reference.
+    std::vector<Location>& OffsetCollection() {
+        Changed();
+        return m_offsets;
+    }
+    // The current position is kept as an index, so appending offsets never invalidates it. A
+    // position past the end of the offsets reads as end().
+    std::vector<Location>::iterator OffsetIterator();
+    // Callers pass a position inside OffsetCollection() (end() included).
+    void OffsetIterator(std::vector<Location>::iterator position);
+    // The offset at the current position; (0, 0) when the position lies past the end (an object
+    // never reset, or one whose offsets were cleared behind the position).
+    Location Offset() const {
+        return m_position < m_offsets.size() ? m_offsets[m_position] : Location();
+    }
+    // Offsets back to the single (0, 0); the current position is not moved.
+    void ClearOffset();
+
+    // Appends the box, unshifted; no extent changes.
+    void AddBox(const Box& box);
+    // Converts (x1, y1) to the box's (left, top) and (x2, y2) to (right, bottom) through the
+    // transform, corners unsorted. Without a transform nothing is added.
+    void AddBox(const Envelope& envelope);
+
+    // xy holds count values x0, y0, x1, y1, ... in cells; width is the stroke's half-width in
+    // cells. Each segment is a rectangle of thickness 2 * width with no caps or joins.
+    void AddLine(int* xy, int count, int width);
+    // The ring as one polygon under the even-odd rule.
+    void AddRing(int* xy, int count);
+    // Map units, converted to cells through the transform's scratch buffer.
+    void AddLine(double* xy, int count, int width);
+    void AddRing(double* xy, int count);
+
+    // The run sink: the cells first .. last (inclusive) of row join this object's grid.
+    void AddRLE(int row, int first, int last) override;
+
+    long long ID() const { return m_id; }
+    void ID(long long id) { m_id = id; }
+    const std::string& StringID() const { return m_stringId; }
+    void StringID(const std::string& id) { m_stringId = id; }
+    int PlacedState() const { return m_state; }
+    void PlacedState(int state) { m_state = state; }
+
+    const std::vector<Box>& Boxes() const { return m_boxes; }
+    // Run extent := (StartCol, StartRow, EndCol, EndRow) of the grid; invalid for an empty grid.
+    void RecordMaxRLE();
+    // The run extent shifted by the current offset.
+    Box RLEMaxExtent() const { return m_runExtent.Offset(Offset()); }
+    // The empty box united with the run extent, shifted by the current offset.
+    Box MaxExtent() const {
+        Box extent = m_declaredExtent;
+        extent.Union(m_runExtent);
+        return extent.Offset(Offset());
+    }
+    bool IsValid() const { return MaxExtent().IsValid(); }
+
+    CDT* DT() override;
+    void DT(CDT* dt) override;
+    void OnResizeConvas() override;
+
+    // Footprint overlap at both current offsets. One-sided: this object's boxes are tested
+    // against o's boxes and o's runs, o's boxes never against this object's runs. False when
+    // either object is not valid, or o is null. Runs against runs give the answer of
+    // IsIntersectRLE(o, o->RLEMaxExtent(), o->Offset()), found by merging rows.
+    bool IsIntersect(CAvoidObject* o) const;
+    // b in canvas cells against this object's boxes and runs.
+    bool IsIntersect(Box& b) const;
+    // b in canvas cells against this object's runs.
+    bool IsIntersectRLE(const Box& b) const;
+    // Some canvas cell is occupied both here and in g, which lies at offset go with extent e.
+    bool IsIntersectRLE(CRLEIndexQuery* g, const Box& e, const Location& go) const;
+    // Same as IsExistRLE2.
+    bool IsExistRLE(CRLEIndexQuery* g, const Box& area, const Location& go) const;
+    // Scans the canvas cells of area column by column, asking g only where this object's cell is
+    // occupied. An inverted area scans nothing.
+    bool IsExistRLE2(CRLEIndexQuery* g, const Box& area, const Location& go) const;
+    // Box in this object's own cells. For a valid box: whether any cell of it is occupied. For
+    // an inverted box: a centre-first search that probes the centre, then the four quarters
+    // (sharing the centre row and column), where a quarter equal to the box it was cut from or
+    // to an earlier quarter is not searched again; a quarter whose cells hold no run is skipped.
+    // Boxes reaching beyond +-2^30, where the centre of a box wraps, are answered as valid boxes
+    // over the cells between their bounds.
+    bool IsExistRLE(const Box& b) const;
+
+    // Read access to the object's own runs.
+    const CRLEIndexQuery& Grid() const { return *this; }
+    // The stored rows, from the start row; valid until the grid changes.
+    const RLERowRuns* RowData() const { return RLERows::data(); }
+    // Whether the run ends of every row are non-decreasing; cached until the grid changes.
+    bool RowsRegular() const;
+
+    // The signal this object raises on every change of its footprint or offset, from now on
+    // (null: none). An index that files the object sets it.
+    void Watch(std::shared_ptr<kxac::ChangeSignal> signal) { m_watch = std::move(signal); }
+
+private:
+    void Changed() {
+        if (m_watch) m_watch->raised = true;
+    }
+    // The drawing scratch of the attached transform, which must be there.
+    kxac::FootprintScratch& Scratch() { return CRLERaster::DT()->footprint; }
+    // Rasterises the polygon in Scratch().polygon (subpixel coordinates, not yet truncated).
+    void DrawPolygon();
+    void DrawSegment(int x0, int y0, int x1, int y1, int width);
+    // Adds the cells of a polygon that is a rectangle on cell corners, with these bounds in
+    // subpixels, as the sweep would.
+    void DrawCellRectangle(double minX, double minY, double maxX, double maxY);
+    // Whether the closed rectangle of the canvas misses the bounding box.
+    bool OutsideCanvas(double minX, double minY, double maxX, double maxY);
+    // The columns that clipped polygons reach: the raster's width, at most the clip window's.
+    int FullWidth();
+    // Adds to Scratch().fullRows the rows of firstRow .. lastRow that are full (one run from column
+    // 0 to at least FullWidth() - 1), stopping at the first that is not when untilGap is set.
+    // Whether every row of the range is full.
+    bool NoteFullRows(int firstRow, int lastRow, bool untilGap);
+    // Takes firstRow .. lastRow out of Scratch().fullRows.
+    void ForgetFullRows(int firstRow, int lastRow);
+    // The runs-against-runs part of IsIntersect(o).
+    bool RunsMeet(CAvoidObject* o) const;
+    // Empties the grid, keeping the room of a few rows for the next footprint.
+    void ReleaseRows();
+
+    long long m_id = 0;
+    std::string m_stringId;
+    int m_state = kNotAdded;
+    std::shared_ptr<kxac::ChangeSignal> m_watch;
+};
