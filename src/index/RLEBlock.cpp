@@ -164,7 +164,7 @@ bool CRLEIndex::Save(const char* path) const {
 
 bool CRLEIndex::Load(const char* path) {
     if (path == nullptr) return false;
-    struct stat status {};
+    struct stat status{};
     if (::stat(path, &status) != 0) return false;
     if (status.st_size <= 19 || status.st_size > INT32_MAX) return false;
     std::FILE* file = std::fopen(path, "rb");

@@ -4,11 +4,7 @@
 
 #include "index/RLEIndex.h"
 
-namespace {
-int WrapAdd(int a, long long b) {
-    return static_cast<int>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
-}
-}  // namespace
+using kxac::WrapAdd;
 
 CRLEIndexQuery::~CRLEIndexQuery() = default;
 

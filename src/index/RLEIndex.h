@@ -17,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+#include "index/Wrap.h"
 #include "stdafx.h"
 
 // One run of occupied cells of a row, [start, end], both inclusive. Valid when end >= start.
@@ -67,9 +68,7 @@ struct KXAC_API RLE {
     bool IsTouch(int x) const { return IsConnect(x); }
     // Judged by o's end cells only: a run reaching past this one on both sides does not touch it.
     bool IsTouch(const RLE& o) const { return IsTouch(o.start) || IsTouch(o.end); }
-    int Length() const {
-        return static_cast<int>(static_cast<uint32_t>(end) - static_cast<uint32_t>(start) + 1u);
-    }
+    int Length() const { return kxac::WrapAdd(kxac::WrapSub(end, start), 1); }
 
     bool operator==(int x) const { return IsIn(x); }
     // Not a field comparison: true when this run holds o's start or o's end.

@@ -1,23 +1,13 @@
 // Integer geometry of the placement: cells, offsets and rectangles of cells.
 //
 // Coordinates are raster cells, x to the right (columns) and y downwards (rows). Arithmetic is
-// 32-bit and wraps on overflow, as two's complement hardware does; it is computed in unsigned so
-// that the wrap is defined behaviour.
+// 32-bit and wraps on overflow, as two's complement hardware does.
 #pragma once
 
 #include <cstdint>
 
+#include "index/Wrap.h"
 #include "stdafx.h"
-
-namespace kxac {
-// a + b and a - b with 32-bit wrap-around.
-inline int WrapAdd(int a, int b) {
-    return static_cast<int>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
-}
-inline int WrapSub(int a, int b) {
-    return static_cast<int>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
-}
-}  // namespace kxac
 
 // A cell position or an offset. The default is (0, 0).
 struct KXAC_API Location {

@@ -563,7 +563,6 @@ rendering_buffer::rendering_buffer(unsigned char* buf, unsigned width, unsigned 
 rendering_buffer::~rendering_buffer() { delete[] rows_; }
 
 void rendering_buffer::attach(unsigned char* buf, unsigned width, unsigned height, int stride) {
-    buf_ = buf;
     width_ = width;
     height_ = height;
     stride_ = stride;

@@ -256,7 +256,6 @@ protected:
     }
 
 private:
-    unsigned char* buf_ = nullptr;
     unsigned char** rows_ = nullptr;
     unsigned width_ = 0;
     unsigned height_ = 0;
