@@ -1,12 +1,9 @@
 package com.tavrint.core.util.index.grid;
 
-import static org.junit.jupiter.api.Assertions.assertTrue;
-
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
-import java.util.concurrent.TimeUnit;
 
 /** A fresh virtual machine on the tests' class path: its exit code and its output. */
 record ChildJvm(int exitCode, String output) {
@@ -17,7 +14,6 @@ record ChildJvm(int exitCode, String output) {
         command.addAll(List.of(arguments));
         Process process = new ProcessBuilder(command).redirectErrorStream(true).start();
         String output = new String(process.getInputStream().readAllBytes(), StandardCharsets.UTF_8);
-        assertTrue(process.waitFor(60, TimeUnit.SECONDS), "the child finished");
-        return new ChildJvm(process.exitValue(), output);
+        return new ChildJvm(process.waitFor(), output);
     }
 }

@@ -14,13 +14,10 @@ import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
 import org.junit.jupiter.api.Test;
 
-/** Whole random passes through the natives: pooled objects and parallel containers. */
+/** Whole random passes through the natives: from the pool, and on several threads at once. */
 class PlacementPassTest {
-    /**
-     * Runs seeded passes of squares and stroked L-shaped lines with random offsets on one
-     * container, resetting it between passes; returns per pass the placed ids, the unplaced ids
-     * and every object's reported x offset. Collects the handles seen, if asked.
-     */
+    // Seeded passes of triangles and L-shaped lines with random offsets on one container, reset
+    // between passes: per pass the placed ids, the unplaced ids and each object's x offset.
     private static List<List<Long>> run(int passes, Set<Long> handles) {
         long c = CreateAvoidContainer();
         AvoidContainerExtent(c, new int[] {0, 0, 160, 120}, null);
@@ -33,15 +30,14 @@ class PlacementPassTest {
                     long obj = CreateAvoidObject(c);
                     AvoidObject_SetID(obj, i);
                     int x = r.nextInt(140), y = r.nextInt(100), s = 1 + r.nextInt(20);
-                    if (r.nextBoolean()) {
-                        AvoidObject_AddRing(obj, new int[] {x, y, x + s, y, x + s, y + s, x, y + s});
-                    } else {
-                        AvoidObject_AddLines(obj, new int[] {x, y, x + s, y, x + s, y + s}, 1 + s % 3);
-                    }
+                    int[] corners = {x, y, x + s, y, x + s, y + s};
+                    if (r.nextBoolean()) AvoidObject_AddRing(obj, corners); // a filled triangle
+                    else AvoidObject_AddLines(obj, corners, 1 + s % 3); // an L, 1 to 3 cells wide
                     for (int k = r.nextInt(4); k > 0; k--) {
                         AvoidObject_AddOffset(obj, r.nextInt(61) - 30, r.nextInt(61) - 30);
                     }
-                    if (r.nextInt(10) == 0) AddAvoidObjectForce(c, obj); else AddAvoidObject(c, obj);
+                    if (r.nextInt(10) == 0) AddAvoidObjectForce(c, obj);
+                    else AddAvoidObject(c, obj);
                     offsets.add((long) AvoidObject_Offset(obj)[0]);
                 }
                 out.add(ids(AllPlacedObject(c), handles));
@@ -65,23 +61,18 @@ class PlacementPassTest {
     }
 
     @Test
-    void pooledObjectsServeManyPassesWithUnchangedResults() {
+    void pooledObjectsServeManyPassesAndContainersOnOtherThreadsAgree() throws Exception {
         Set<Long> handles = new HashSet<>();
         List<List<Long>> out = run(200, handles);
         assertEquals(out.subList(0, 60), out.subList(60, 120), "a pass from the pool matches");
         assertEquals(out.subList(0, 60), out.subList(540, 600));
         assertFalse(out.get(0).isEmpty() || out.get(1).isEmpty(), "both outcomes occur");
         assertEquals(30, handles.size(), "every pass reuses the objects of the first");
-    }
-
-    @Test
-    void containersOnSeveralThreadsMatchOneThread() throws Exception {
-        List<List<Long>> single = run(40, null);
         ExecutorService pool = Executors.newFixedThreadPool(4);
         try {
             List<Future<List<List<Long>>>> results = new ArrayList<>();
-            for (int t = 0; t < 4; t++) results.add(pool.submit(() -> run(40, null)));
-            for (Future<List<List<Long>>> result : results) assertEquals(single, result.get());
+            for (int t = 0; t < 4; t++) results.add(pool.submit(() -> run(200, null)));
+            for (Future<List<List<Long>>> result : results) assertEquals(out, result.get());
         } finally {
             pool.shutdownNow();
         }
