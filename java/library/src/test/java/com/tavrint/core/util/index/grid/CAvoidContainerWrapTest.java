@@ -12,7 +12,7 @@ import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
 
-/** The natives on raw handles: results, null handles and the documented quirks. */
+/** The natives on raw handles: null handles, a pass and its result lists, ids, array arguments. */
 class CAvoidContainerWrapTest {
     private long c;
 
@@ -67,15 +67,15 @@ class CAvoidContainerWrapTest {
         AvoidObject_AddLines(0, new int[] {0, 0, 1, 1}, 1);
         AvoidObject_AddRing(0, new int[] {0, 0, 1, 0, 1, 1});
         AvoidObject_AddOffset(0, 1, 1);
-        // The object was touched by none of them.
+        // The live object was touched by none of them.
         assertEquals(0, AvoidObject_PlacedState(obj));
         assertNull(AllPlacedObject(c));
         DestroyAvoidObject(obj);
     }
 
     @Test
-    void placedStatesAndResultListsInPlacementOrder() {
-        assertNull(AllPlacedObject(c));
+    void passReportsStatesOffsetsAndListsInOrder() {
+        assertNull(AllPlacedObject(c), "an empty list is null");
         assertNull(AllUnPlacedObject(c));
         long first = square(10, 10, 10), second = square(15, 15, 10);
         assertEquals(0, AvoidObject_PlacedState(first));
@@ -83,20 +83,11 @@ class CAvoidContainerWrapTest {
         assertEquals(1, AvoidObject_PlacedState(first));
         assertTrue(AddAvoidObject(c, second), "add returns true even when not placed");
         assertEquals(2, AvoidObject_PlacedState(second));
-        long a = placeAt(50, 50, 5), b = placeAt(0, 0, 5);
-        assertArrayEquals(new long[] {first, a, b}, AllPlacedObject(c));
-        assertArrayEquals(new long[] {second}, AllUnPlacedObject(c));
-    }
 
-    @Test
-    void offsetsAreTriedInOrderAndReportXTwice() {
-        AddAvoidObjectForce(c, square(10, 10, 10));
         long cleared = square(10, 10, 10);
         AvoidObject_AddOffset(cleared, 30, 0);
         AvoidObject_ClearOffset(cleared);
         AddAvoidObject(c, cleared);
-        assertEquals(2, AvoidObject_PlacedState(cleared));
-
         long tried = square(10, 10, 10);
         AvoidObject_AddOffset(tried, 5, 5); // still overlaps
         AvoidObject_AddOffset(tried, -10, 9); // touches only at the shared edge: free
@@ -104,50 +95,34 @@ class CAvoidContainerWrapTest {
         assertArrayEquals(new int[] {0, 0}, AvoidObject_Offset(tried));
         AddAvoidObject(c, tried);
         assertEquals(1, AvoidObject_PlacedState(tried));
-        assertArrayEquals(new int[] {-10, -10}, AvoidObject_Offset(tried));
+        assertArrayEquals(new int[] {-10, -10}, AvoidObject_Offset(tried), "x twice, no y");
+        long last = placeAt(50, 50, 5);
+        assertArrayEquals(new long[] {first, tried, last}, AllPlacedObject(c));
+        assertArrayEquals(new long[] {second, cleared}, AllUnPlacedObject(c));
     }
 
     @Test
-    void stringIdsRoundTripAndEmptyReadsAsNull() {
-        long obj = CreateAvoidObject(c);
+    void idsRoundTripAndObjectResetKeepsOnlyTheStringId() {
+        long obj = square(10, 10, 10);
         assertNull(AvoidObject_GetStringID(obj));
         String text = "Zürich – 東京 \uD83D\uDDFA \u0000 end";
         AvoidObject_SetStringID(obj, text);
         assertEquals(text, AvoidObject_GetStringID(obj));
         AvoidObject_SetStringID(obj, "");
-        assertNull(AvoidObject_GetStringID(obj));
+        assertNull(AvoidObject_GetStringID(obj), "the empty string reads as null");
         AvoidObject_SetStringID(obj, "kept");
-        AvoidObject_SetStringID(obj, null);
-        assertNull(AvoidObject_GetStringID(obj));
-        DestroyAvoidObject(obj);
-    }
-
-    @Test
-    void resetClearsIdAndFootprintButKeepsStringId() {
-        long obj = square(10, 10, 10);
         AvoidObject_SetID(obj, Long.MIN_VALUE + 3);
-        AvoidObject_SetStringID(obj, "name");
         assertEquals(Long.MIN_VALUE + 3, AvoidObject_GetID(obj));
         AvoidObject_Reset(obj);
         assertEquals(0, AvoidObject_GetID(obj));
-        assertEquals("name", AvoidObject_GetStringID(obj));
-        // The reset object has no footprint: it overlaps nothing.
+        assertEquals("kept", AvoidObject_GetStringID(obj));
         AddAvoidObjectForce(c, square(10, 10, 10));
         AddAvoidObject(c, obj);
-        assertEquals(1, AvoidObject_PlacedState(obj));
+        assertEquals(1, AvoidObject_PlacedState(obj), "the reset object has no footprint");
     }
 
     @Test
-    void boxesOfPlacedObjectsBlock() {
-        long placed = square(0, 0, 2);
-        AvoidObject_AddBox(placed, 40, 10, 49, 19);
-        AddAvoidObjectForce(c, placed);
-        assertEquals(2, AvoidObject_PlacedState(placeAt(45, 15, 2)), "inside the box");
-        assertEquals(1, AvoidObject_PlacedState(placeAt(15, 45, 2)), "box is not transposed");
-    }
-
-    @Test
-    void shortDeviceRectLeavesTheCanvasAndNullArraysAreSafe() {
+    void shortDeviceRectLeavesTheCanvasAndNullArgumentsAreAbsent() {
         AvoidContainerExtent(c, new int[] {0, 0, 10}, new double[] {0, 0, 50, 50});
         AvoidContainerExtent(c, null, null);
         // On a 10 x 10 canvas these squares would be clipped away and could not collide.
@@ -157,46 +132,10 @@ class CAvoidContainerWrapTest {
         long obj = CreateAvoidObject(c);
         AvoidObject_AddLines(obj, null, 3);
         AvoidObject_AddRing(obj, null);
-        AvoidObject_AddLines(obj, new int[] {20, 20, 40, 20, 99}, 1);
+        AvoidObject_SetStringID(obj, null);
         AddAvoidObject(c, obj);
-        long crossing = CreateAvoidObject(c);
-        AvoidObject_AddRing(crossing, new int[] {30, 10, 31, 10, 31, 30, 30, 30, 7});
-        AddAvoidObject(c, crossing);
-        assertEquals(2, AvoidObject_PlacedState(crossing), "both odd-length shapes were drawn");
-
+        assertEquals(1, AvoidObject_PlacedState(obj), "null arrays add nothing");
         AvoidContainerExtent(c, new int[] {0, 0, 10, 10}, null);
         assertEquals(1, AvoidObject_PlacedState(placeAt(60, 60, 10)), "10 x 10 drops the cells");
-    }
-
-    @Test
-    void pooledHandlesComeBackResetInFifoOrder() {
-        long p1 = square(0, 0, 5), p2 = square(20, 0, 5), u1 = square(1, 1, 5);
-        long spare = CreateAvoidObject(c);
-        AvoidObject_SetID(p1, 11);
-        for (long obj : new long[] {p1, p2, u1}) {
-            AddAvoidObject(c, obj);
-        }
-        RecycleAvoidObject(c, p2);
-        RecycleAvoidObject(c, p2); // no longer listed: ignored
-        RecycleAvoidObject(c, spare);
-        long again = placeAt(20, 0, 5);
-        assertEquals(p2, again, "the oldest recycled object is handed out first");
-        assertEquals(1, AvoidObject_PlacedState(again), "recycled p2 stopped blocking");
-        ResetAvoidContainer(c);
-        assertNull(AllPlacedObject(c));
-        assertNull(AllUnPlacedObject(c));
-        long[] reused = new long[4];
-        for (int i = 0; i < reused.length; i++) {
-            reused[i] = CreateAvoidObject(c);
-        }
-        assertArrayEquals(new long[] {spare, p1, p2, u1}, reused);
-        assertEquals(0, AvoidObject_GetID(p1));
-        assertEquals(0, AvoidObject_PlacedState(u1));
-        long fresh = CreateAvoidObject(c);
-        for (long obj : reused) {
-            assertNotEquals(obj, fresh, "an empty pool makes a new object");
-            RecycleAvoidObject(c, obj);
-        }
-        DestroyAvoidObject(fresh);
     }
 }
