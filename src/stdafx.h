@@ -1,4 +1,4 @@
-// Common header of the library: the export macro shared by every public header.
+// Common header of the library: the export macro and the wrap-around arithmetic every layer uses.
 #pragma once
 
 // Classes and functions that native users link against are marked KXAC_API; everything else
@@ -8,3 +8,16 @@
 #else
 #define KXAC_API
 #endif
+
+#include <cstdint>
+
+namespace kxac {
+// The low 32 bits of a + b and of a - b: 32-bit arithmetic that wraps around as two's complement
+// hardware does, computed in unsigned so that the wrap is defined behaviour.
+inline int32_t WrapAdd(int32_t a, long long b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+inline int32_t WrapSub(int32_t a, int32_t b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
+}
+}  // namespace kxac

@@ -17,7 +17,6 @@
 #include <utility>
 #include <vector>
 
-#include "index/Wrap.h"
 #include "stdafx.h"
 
 // One run of occupied cells of a row, [start, end], both inclusive. Valid when end >= start.

@@ -6,7 +6,6 @@
 
 #include <cstdint>
 
-#include "index/Wrap.h"
 #include "stdafx.h"
 
 // A cell position or an offset. The default is (0, 0).

@@ -5,14 +5,15 @@
 #include <cstring>
 #include <utility>
 
+#include "stdafx.h"
+
 namespace agg {
 
 namespace {
 
-// 32-bit sums and products that wrap instead of overflowing.
-inline int32_t wrap_add(int32_t a, int32_t b) {
-    return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
-}
+using kxac::WrapAdd;
+
+// 32-bit products that wrap instead of overflowing.
 inline int32_t wrap_mul(int32_t a, int32_t b) {
     return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b));
 }
@@ -235,8 +236,8 @@ void outline::render_line(int x1, int y1, int x2, int y2) {
         const int first = dy < 0 ? 0 : subpixel_scale;
         const int incr = dy < 0 ? -1 : 1;
         int d = first - fy1;
-        current_.cover = wrap_add(current_.cover, d);
-        current_.area = wrap_add(current_.area, two_fx * d);
+        current_.cover = WrapAdd(current_.cover, d);
+        current_.area = WrapAdd(current_.area, two_fx * d);
         ey1 += incr;
         set_cell(ex, ey1);
         d = first + first - subpixel_scale;
@@ -249,8 +250,8 @@ void outline::render_line(int x1, int y1, int x2, int y2) {
             if (exhausted()) return;
         }
         d = fy2 - subpixel_scale + first;
-        current_.cover = wrap_add(current_.cover, d);
-        current_.area = wrap_add(current_.area, two_fx * d);
+        current_.cover = WrapAdd(current_.cover, d);
+        current_.area = WrapAdd(current_.area, two_fx * d);
         return;
     }
 
@@ -303,8 +304,8 @@ void outline::render_row(int ey, int x1, int y1, int x2, int y2) {
     }
     if (ex1 == ex2) {
         const int d = y2 - y1;
-        current_.cover = wrap_add(current_.cover, d);
-        current_.area = wrap_add(current_.area, (fx1 + fx2) * d);
+        current_.cover = WrapAdd(current_.cover, d);
+        current_.area = WrapAdd(current_.area, (fx1 + fx2) * d);
         return;
     }
 
@@ -321,8 +322,8 @@ void outline::render_row(int ey, int x1, int y1, int x2, int y2) {
     const floor_div start(p, dx);
     int delta = start.quot;
     int mod = start.rem;
-    current_.cover = wrap_add(current_.cover, delta);
-    current_.area = wrap_add(current_.area, (fx1 + first) * delta);
+    current_.cover = WrapAdd(current_.cover, delta);
+    current_.area = WrapAdd(current_.area, (fx1 + first) * delta);
     ex1 += incr;
     set_cell(ex1, ey);
     y1 += delta;
@@ -357,16 +358,16 @@ void outline::render_row(int ey, int x1, int y1, int x2, int y2) {
                 mod -= dx;
                 ++delta;
             }
-            current_.cover = wrap_add(current_.cover, delta);
-            current_.area = wrap_add(current_.area, wrap_mul(subpixel_scale, delta));
+            current_.cover = WrapAdd(current_.cover, delta);
+            current_.area = WrapAdd(current_.area, wrap_mul(subpixel_scale, delta));
             y1 += delta;
             ex1 += incr;
             set_cell(ex1, ey);
         }
     }
     const int d = y2 - y1;
-    current_.cover = wrap_add(current_.cover, d);
-    current_.area = wrap_add(current_.area, (fx2 + subpixel_scale - first) * d);
+    current_.cover = WrapAdd(current_.cover, d);
+    current_.area = WrapAdd(current_.area, (fx2 + subpixel_scale - first) * d);
 }
 
 void outline::sort_cells() {
