@@ -11,6 +11,7 @@
 // span may leave repeated runs at the tail of the row. Every reader works with such rows.
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -113,17 +114,26 @@ public:
     iterator end() { return data() + m_size; }
     const_iterator begin() const { return data(); }
     const_iterator end() const { return data() + m_size; }
-    RLE& operator[](size_t i) { return data()[i]; }
-    const RLE& operator[](size_t i) const { return data()[i]; }
-    RLE& front() { return data()[0]; }
-    const RLE& front() const { return data()[0]; }
-    RLE& back() { return data()[m_size - 1]; }
-    const RLE& back() const { return data()[m_size - 1]; }
+    RLE& operator[](size_t i) {
+        assert(i < m_size);
+        return data()[i];
+    }
+    const RLE& operator[](size_t i) const {
+        assert(i < m_size);
+        return data()[i];
+    }
+    RLE& front() { return (*this)[0]; }
+    const RLE& front() const { return (*this)[0]; }
+    RLE& back() { return (*this)[m_size - 1]; }
+    const RLE& back() const { return (*this)[m_size - 1]; }
 
     // Throws std::length_error("vector::reserve") beyond the largest count a row holds.
     void reserve(size_t n);
     void clear() { m_size = 0; }
-    void pop_back() { --m_size; }
+    void pop_back() {
+        assert(m_size > 0);
+        --m_size;
+    }
     void swap(RLERowRuns& o) noexcept;
     void push_back(const RLE& run) { insert(end(), run); }
     template <typename... Args>

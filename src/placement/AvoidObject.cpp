@@ -1,5 +1,6 @@
 // The avoid object: identity, state, offsets, extents and the footprint collision tests.
 #include <algorithm>
+#include <cassert>
 #include <cstdint>
 
 #include "placement/AvoidObject.h"
@@ -91,6 +92,7 @@ std::vector<Location>::iterator CAvoidObject::OffsetIterator() {
 }
 
 void CAvoidObject::OffsetIterator(std::vector<Location>::iterator position) {
+    assert(position >= m_offsets.begin() && position <= m_offsets.end());
     Changed();
     m_position = static_cast<size_t>(position - m_offsets.begin());
 }
