@@ -169,6 +169,18 @@ TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkipped) {
     EXPECT_EQ(block, Cat({kHeader, kSmallLevel}));
 }
 
+TEST(RleBlock, NegativeCapacityWritesNothing) {
+    CRLEIndex index;
+    index.Append(SmallLevel());
+    std::unique_ptr<CRLEIndexCreate> level(SmallLevel());
+    Bytes block(64, 0xEE);
+    for (int capacity : {-1, INT32_MIN}) {
+        EXPECT_EQ(index.Save(block.data(), capacity), 0);
+        EXPECT_EQ(level->Save(block.data(), capacity), 0);
+    }
+    EXPECT_EQ(block, Bytes(64, 0xEE));
+}
+
 TEST(RleBlock, RandomIndexesRoundTripThroughMemoryAndFiles) {
     const unsigned seed = 13;
     std::mt19937 gen(seed);

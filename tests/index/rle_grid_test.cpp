@@ -49,6 +49,9 @@ TEST(RleGrid, EmptyGridGrowsBandBothWaysOnlyWhenAsked) {
     EXPECT_EQ(grid.Row(9, false), grid.EmptyRow());
     EXPECT_EQ(grid.Row(1, false), grid.EmptyRow());
     EXPECT_EQ(grid.RowCount(), 7);
+    for (int outside : {INT_MIN, 1, 9, INT_MAX})
+        EXPECT_EQ(grid.RowRuns(outside), nullptr) << outside;
+    EXPECT_NE(grid.RowRuns(8), nullptr);
     // A grid of empty rows is stored: Range succeeds but keeps the column sentinels.
     EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 2, 99999, 9, -99999}));
 }

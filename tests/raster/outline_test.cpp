@@ -254,16 +254,22 @@ TEST(Outline, ResetDropsTheOpenContour) {
               std::vector<int>({fresh.min_x(), fresh.min_y(), fresh.max_x(), fresh.max_y()}));
 }
 
-TEST(Outline, ResetAndReleaseReuseTheFirstBlockBelowTheLimit) {
-    // More polygons than the block limit, each needing a block: only a reuse of the first block
-    // (kept by reset, or allocated afresh after release) lets the last one store its cells.
+TEST(Outline, ResetAndReleaseReuseTheBlocksBelowTheLimit) {
+    // More polygons than the block limit, each needing two blocks: only a reuse of the blocks in
+    // order (kept by reset, or allocated afresh after release) lets the last one store its cells.
     for (bool release : {false, true}) {
         agg::outline o;
+        unsigned first = 0;
         for (int i = 0; i < 1100; ++i) {
             release ? o.release() : o.reset();
-            Rect(o, 0, 0, 3 * kCell + 9, 2 * kCell + 9);
+            o.move_to(kCell / 2, 0);
+            o.line_to(kCell / 2 + 300, 2500 * kCell);
+            o.line_to(kCell / 2 + 100, 2500 * kCell);
             ASSERT_NE(o.cells(), nullptr) << "polygon " << i << " release " << release;
+            if (i == 0) first = o.cell_count();
+            ASSERT_EQ(o.cell_count(), first) << "polygon " << i << " release " << release;
         }
+        EXPECT_GT(first, static_cast<unsigned>(agg::outline::block_cells));
     }
 }
 

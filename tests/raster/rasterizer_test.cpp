@@ -120,6 +120,11 @@ TEST(Rasterizer, GammaTablesDefaultAndPowerLaw) {
         EXPECT_EQ(g[i], v) << i;
     for (int i = 1; i < 256; ++i)
         EXPECT_LE(g[i - 1], g[i]) << i;
+    // Between the fixed entries (0-31, every sixteenth, the last sixteen): linear, truncated.
+    for (int i = 32; i < 240; ++i) {
+        const int lo = i - i % 16, hi = lo + 16;
+        EXPECT_EQ(g[i], g[lo] + (g[hi] - g[lo]) * (i - lo) / 16) << i;
+    }
     agg::rasterizer ras;
     EXPECT_EQ(std::string(ras.gamma_table(), ras.gamma_table() + 256), std::string(g, g + 256));
     unsigned char reversed[256];
