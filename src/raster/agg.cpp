@@ -184,7 +184,7 @@ void outline::flush_cell() {
 // The one place that allocates cell storage.
 void outline::allocate_block() {
     if (next_block_ >= block_count_) ++block_count_;
-    write_ptr_ = storage_->block(next_block_++);
+    write_ptr_ = own_.block(next_block_++);
 }
 
 void outline::render_line(int x1, int y1, int x2, int y2) {
@@ -372,19 +372,19 @@ void outline::render_row(int ey, int x1, int y1, int x2, int y2) {
 
 void outline::sort_cells() {
     if (cell_count_ == 0) return;
-    sorted_ = storage_->sorted(cell_count_ + 1);
+    sorted_ = own_.sorted(cell_count_ + 1);
     sorted_[cell_count_] = nullptr;
     if (bucket_sort_cells()) return;
     const cell** out = sorted_;
     const unsigned full_blocks = cell_count_ >> block_shift;
     for (unsigned b = 0; b < full_blocks; ++b) {
-        const cell* block = storage_->held(b);
+        const cell* block = own_.held(b);
         for (unsigned i = 0; i < block_cells; ++i)
             *out++ = block + i;
     }
     const unsigned rest = cell_count_ & block_mask;
     for (unsigned i = 0; i < rest; ++i)
-        *out++ = storage_->held(full_blocks) + i;
+        *out++ = own_.held(full_blocks) + i;
     *out = nullptr;
     qsort_cells(sorted_, cell_count_);
 }
@@ -401,7 +401,7 @@ bool outline::bucket_sort_cells() {
         for (unsigned b = 0; b <= full_blocks; ++b) {
             const unsigned n = b < full_blocks ? block_cells : rest;
             if (n == 0) break;
-            const cell* block = storage_->held(b);
+            const cell* block = own_.held(b);
             for (unsigned i = 0; i < n; ++i)
                 visit(block + i);
         }
@@ -421,7 +421,7 @@ bool outline::bucket_sort_cells() {
     const uint32_t buckets =
         ((static_cast<uint32_t>(max_key) - static_cast<uint32_t>(min_key)) >> 16) + 1;
     if (buckets > cell_count_ + 16) return false;
-    uint32_t* starts = storage_->counts(buckets + 1);
+    uint32_t* starts = own_.counts(buckets + 1);
     std::fill(starts, starts + buckets + 1, 0u);
     for_each_cell([&](const cell* c) { ++starts[bucket_of(c) + 1]; });
     for (uint32_t b = 1; b <= buckets; ++b)
@@ -605,13 +605,6 @@ const unsigned char rasterizer::s_default_gamma[256] = {
     241, 242, 244, 246, 248, 249, 251, 253, 255};
 
 rasterizer::rasterizer() { gamma(s_default_gamma); }
-
-void rasterizer::share(raster_scratch* scratch) {
-    outline_.release();
-    own_scanline_.release();
-    outline_.share(scratch != nullptr ? &scratch->cells : nullptr);
-    scanline_ = scratch != nullptr ? &scratch->line : &own_scanline_;
-}
 
 void rasterizer::gamma(double g) {
     for (int i = 0; i < 256; ++i) {

@@ -40,8 +40,7 @@ struct cell {
 };
 
 // Memory for the cells of one polygon at a time: blocks of 4096 cells that never move, and the
-// sorted array of cell pointers. Outlines draw through a storage of their own, or share one in
-// turn: a shared storage holds the cells of the polygon drawn last.
+// sorted array of cell pointers.
 class cell_storage {
 public:
     cell_storage() = default;
@@ -79,10 +78,10 @@ private:
 // exist drops its cell. Since every polygon begins a block with its first cell, once an outline
 // has held 4,194,304 cells no later polygon stores any.
 //
-// The blocks live in a cell_storage, the outline's own or a shared one; the count of blocks
-// allocated, which the limit reads, is the outline's own. Drawing through a shared storage, or
-// releasing the own one after every polygon, stores exactly the cells an outline that kept its
-// blocks would store.
+// The blocks live in the outline's cell_storage; the count of blocks allocated, which the limit
+// reads, is kept apart from it (blocks_counted), so that releasing the storage after a polygon,
+// or lending the outline to several owners that each bring their own count, stores exactly the
+// cells an outline that kept its blocks would store.
 //
 // Cost: a polygon of n edges costs O(n) plus the cells it stores, and no more than 4,194,304
 // cells are ever stored. Within a row, a run of columns that an edge crosses without adding
@@ -111,7 +110,6 @@ public:
     void release();
     // Draws through storage from now on (the own storage again for null). The caller keeps it
     // alive while the outline uses it, and calls reset() before the next polygon.
-    void share(cell_storage* storage) { storage_ = storage != nullptr ? storage : &own_; }
     void move_to(int x, int y);
     // Walks every edge cell by cell, empty cells and cells that can no longer be stored
     // included. Off by default; the cells stored and the bounds are the same either way.
@@ -157,7 +155,6 @@ private:
     unsigned next_block_ = 0;
     unsigned cell_count_ = 0;
     cell_storage own_;
-    cell_storage* storage_ = &own_;
     cell* write_ptr_ = nullptr;
     const cell** sorted_ = nullptr;
     cell current_;
@@ -271,13 +268,6 @@ struct run_row {
     Sink* row_sink;
 };
 
-// What rasterizers may share: cell storage and scanline. Sharing rasterizers draw one polygon
-// at a time.
-struct raster_scratch {
-    cell_storage cells;
-    scanline line;
-};
-
 class rasterizer {
 public:
     static const unsigned char s_default_gamma[256];
@@ -287,9 +277,6 @@ public:
     rasterizer& operator=(const rasterizer&) = delete;
 
     outline& get_outline() { return outline_; }
-    // Draws through the scratch from now on (the own memory again for null), freeing the own
-    // memory; the outline's block limit keeps counting.
-    void share(raster_scratch* scratch);
     const outline& get_outline() const { return outline_; }
     // 1 is even-odd; any other value is non-zero winding.
     int fill_rule() const { return fill_rule_; }
@@ -323,8 +310,7 @@ private:
     void emit_scanline(rendering_buffer& target);
 
     outline outline_;
-    scanline own_scanline_;
-    scanline* scanline_ = &own_scanline_;
+    scanline scanline_;
     int fill_rule_ = 0;
     unsigned char gamma_table_[256];
 };
@@ -362,27 +348,27 @@ template <class Sink>
 void rasterizer::render(rendering_buffer& target) {
     const cell* const* list = outline_.cells();
     if (list == nullptr || outline_.cell_count() == 0) return;
-    scanline_->reset(outline_.min_x(), outline_.max_x(), 0, 0);
+    scanline_.reset(outline_.min_x(), outline_.max_x(), 0, 0);
     sweep(list, [&](int x, int y, unsigned n, unsigned a) {
-        if (scanline_->ready(y)) {
+        if (scanline_.ready(y)) {
             emit_scanline<Sink>(target);
-            scanline_->clear();
+            scanline_.clear();
         }
-        scanline_->add_span(x, y, n, gamma_table_[a]);
+        scanline_.add_span(x, y, n, gamma_table_[a]);
     });
-    if (scanline_->span_count() != 0) emit_scanline<Sink>(target);
+    if (scanline_.span_count() != 0) emit_scanline<Sink>(target);
 }
 
 template <class Sink>
 void rasterizer::emit_scanline(rendering_buffer& target) {
     // 64-bit sums: offsets and indexes may be anything outside the supported range.
-    const int64_t r = static_cast<int64_t>(scanline_->last_y()) + scanline_->offset_y();
+    const int64_t r = static_cast<int64_t>(scanline_.last_y()) + scanline_.offset_y();
     if (r < 0 || r >= static_cast<int64_t>(target.height())) return;
     const auto* rec = reinterpret_cast<const run_row<Sink>*>(target.row(static_cast<unsigned>(r)));
-    const int64_t base = static_cast<int64_t>(scanline_->origin_x()) + scanline_->offset_x();
-    for (unsigned k = 1; k <= scanline_->span_count(); ++k) {
-        int64_t x = base + scanline_->span_index(k);
-        int64_t n = scanline_->span_length(k);
+    const int64_t base = static_cast<int64_t>(scanline_.origin_x()) + scanline_.offset_x();
+    for (unsigned k = 1; k <= scanline_.span_count(); ++k) {
+        int64_t x = base + scanline_.span_index(k);
+        int64_t n = scanline_.span_length(k);
         if (x < 0) {
             n += x;
             if (n < 1) continue;

@@ -285,7 +285,7 @@ TEST(Outline, BlockLimitDropsCellsForeverEvenAfterRelease) {
     }
 }
 
-TEST(Outline, ReleasedOrSharedStorageStoresTheCellsOfAnOwnOutline) {
+TEST(Outline, ReleasedOrLentOutlineStoresTheCellsOfAnOwnOutline) {
     agg::outline kept, released;
     for (agg::outline* o : {&kept, &released}) {
         // A first polygon of two blocks, then a smaller one.
@@ -299,19 +299,20 @@ TEST(Outline, ReleasedOrSharedStorageStoresTheCellsOfAnOwnOutline) {
     }
     ExpectSameCells(kept, released);
 
-    // One outline reaches the block limit through shared storage; the other still draws, and
-    // the full one stays at its limit.
-    agg::cell_storage shared;
-    agg::outline full, small, alone;
-    full.share(&shared);
-    small.share(&shared);
-    FillAllBlocks(full);
-    for (agg::outline* o : {&small, &alone})
+    // One outline lent to two owners in turn, each bringing its own count of blocks: after the
+    // first reached the limit the second still draws, and the first stays at its limit.
+    agg::outline lent, alone;
+    FillAllBlocks(lent);
+    const unsigned full = lent.blocks_counted();
+    lent.blocks_counted(0);
+    lent.reset();
+    for (agg::outline* o : {&lent, &alone})
         Rect(*o, 3 * kCell + 5, kCell, 9 * kCell + 200, 6 * kCell + 1);
-    ExpectSameCells(small, alone);
-    full.reset();
-    Rect(full, 0, 0, 5 * kCell + 3, 5 * kCell + 3);
-    EXPECT_EQ(full.cells(), nullptr);
+    ExpectSameCells(lent, alone);
+    lent.blocks_counted(full);
+    lent.reset();
+    Rect(lent, 0, 0, 5 * kCell + 3, 5 * kCell + 3);
+    EXPECT_EQ(lent.cells(), nullptr);
 }
 
 }  // namespace
