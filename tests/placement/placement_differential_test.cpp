@@ -98,7 +98,8 @@ private:
 
     int Coord(int lo, int hi) {
         static const int kFar[] = {INT_MIN, INT_MAX, 1 << 29, (1 << 29) + 1, -(1 << 30), 1 << 30};
-        return Chance(m_g.far) ? kFar[Uniform(0, 5)] : Uniform(lo, hi);
+        if (!Chance(m_g.far)) return Uniform(lo, hi);
+        return Chance(50) ? kFar[Uniform(0, 5)] : INT_MAX - Uniform(0, 40);
     }
     void Canvas() {
         const int w = Uniform(m_g.canvas / 3, m_g.canvas), h = Uniform(m_g.canvas / 3, m_g.canvas);
@@ -113,8 +114,11 @@ private:
         const int x = Uniform(-10, e), y = Uniform(-10, e), w = Uniform(1, e / 5),
                   h = Uniform(1, 12);
         std::vector<int> v = {x, y, x + w, y, x + w, y + h, x, y + h};
-        if (kind == 4) std::swap(v[4], v[6]);  // a bow tie
-        if (kind == 2 || kind == 5) {          // random points, now and then far away
+        if (kind == 4) std::swap(v[4], v[6]);      // a bow tie
+        for (int i = 0; kind == 0 && i < 24; ++i)  // runs, often out of order within a row
+            v.push_back(Uniform(0, 40));
+        if (kind == 0) v.erase(v.begin(), v.begin() + 8 + 3 * Uniform(0, 7));  // 1 to 8 runs
+        if (kind == 2 || kind == 5) {  // random points, now and then far away
             v.resize(static_cast<size_t>(2 * Uniform(kind == 2 ? 2 : 3, 6)));
             for (int& c : v)
                 c = Coord(-5, e);
@@ -130,7 +134,8 @@ private:
             o = Location(Coord(-30, 30), Coord(-30, 30));
         for (CAvoidObject* obj : {p.fast, p.slow}) {
             if (kind == 0) {
-                obj->AddRLE(y, x, x + h + w % 7);
+                for (size_t i = 0; i + 2 < v.size(); i += 3)
+                    obj->AddRLE(y + v[i] % 4, x + v[i + 1], x + v[i + 1] + v[i + 2] % 7);
                 if (!stale) obj->RecordMaxRLE();
             } else if (kind == 1) {
                 obj->AddBox(box);

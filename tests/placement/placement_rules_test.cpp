@@ -85,6 +85,7 @@ TEST_P(ContainerRules, Outcome) {
             obj = got;
             held.insert(obj);
             ASSERT_EQ(obj->PlacedState(), 0);
+            ASSERT_EQ(obj->ID(), 0);
             ASSERT_EQ(obj->DT(), c.DT());
             ASSERT_TRUE(obj->Grid().IsEmpty());
             ASSERT_EQ(obj->OffsetCollection().size(), 1u);
