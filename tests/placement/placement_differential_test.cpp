@@ -29,7 +29,7 @@ struct Generator {
 
 const Generator kGenerators[] = {
     {"DenseMixed", 120, 0, 10, 0, 0, 60},   {"FarAndRawRuns", 60, 15, 60, 0, 0, 40},
-    {"CanvasChanges", 300, 1, 5, 4, 6, 60}, {"Lifetime", 96, 1, 10, 0, 45, 120},
+    {"CanvasChanges", 200, 1, 5, 4, 6, 60}, {"Lifetime", 96, 1, 10, 0, 45, 120},
     {"Everything", 150, 3, 25, 3, 30, 80},
 };
 
