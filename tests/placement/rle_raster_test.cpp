@@ -90,32 +90,3 @@ TEST(RleRaster, SweepSendsClippedRunsToAddRle) {
 }
 
 }  // namespace
-
-// The objects of a container draw with one rasterizer, but the limit on cell blocks stays each
-// object's own: an object whose polygon ran out of blocks draws nothing more, its neighbours do.
-TEST(RleRaster, BlockLimitStaysWithTheObjectThatReachedIt) {
-    CPriorityAvoidContainer c;
-    CDT& dt = *c.DT();
-    dt.width = 64;
-    dt.height = 32000;
-    CAvoidObject* greedy = c.NewObject();
-    CAvoidObject* other = c.NewObject();
-    // A zigzag whose edges cross every row: more cells than 1024 blocks of 4096 hold.
-    std::vector<int> zigzag;
-    for (int i = 0; i < 300; ++i) {
-        zigzag.push_back(i % 60);
-        zigzag.push_back(i % 2 == 0 ? 0 : 31999);
-    }
-    greedy->AddRing(zigzag.data(), static_cast<int>(zigzag.size()));
-    int square[] = {10, 10, 20, 10, 20, 20, 10, 20};
-    int triangle[] = {10, 10, 30, 10, 10, 30};
-    other->AddRing(triangle, 6);
-    EXPECT_TRUE(other->Grid().IsExist(12, 12));
-    greedy->Reset();
-    greedy->AddRing(triangle, 6);
-    EXPECT_TRUE(greedy->Grid().IsEmpty());
-    other->AddRing(square, 8);
-    EXPECT_TRUE(other->Grid().IsExist(19, 19));
-    delete greedy;
-    delete other;
-}
