@@ -149,11 +149,12 @@ int CAvoidObject::FullWidth() {
 }
 
 bool CAvoidObject::NoteFullRows(int firstRow, int lastRow, bool untilGap) {
+    kxac::FootprintScratch& s = Scratch();
     const int lastColumn = FullWidth() - 1;
     bool all = true;
     for (int row = firstRow; row <= lastRow; ++row) {
-        auto next = Scratch().fullRows.upper_bound(row);
-        if (next != Scratch().fullRows.begin() && std::prev(next)->second >= row) {
+        auto next = s.fullRows.upper_bound(row);
+        if (next != s.fullRows.begin() && std::prev(next)->second >= row) {
             row = std::prev(next)->second;  // the rest of a known band
             continue;
         }
@@ -166,38 +167,40 @@ bool CAvoidObject::NoteFullRows(int firstRow, int lastRow, bool untilGap) {
         }
         // Join the band ending just above and the one starting just below, if any.
         int last = row;
-        if (next != Scratch().fullRows.end() && next->first == row + 1) {
+        if (next != s.fullRows.end() && next->first == row + 1) {
             last = next->second;
-            next = Scratch().fullRows.erase(next);
+            next = s.fullRows.erase(next);
         }
-        if (next != Scratch().fullRows.begin() && std::prev(next)->second == row - 1) {
+        if (next != s.fullRows.begin() && std::prev(next)->second == row - 1) {
             std::prev(next)->second = last;
         } else {
-            Scratch().fullRows.emplace_hint(next, row, last);
+            s.fullRows.emplace_hint(next, row, last);
         }
     }
     return all;
 }
 
 void CAvoidObject::ForgetFullRows(int firstRow, int lastRow) {
-    auto band = Scratch().fullRows.upper_bound(firstRow);
-    if (band != Scratch().fullRows.begin() && std::prev(band)->second >= firstRow) --band;
-    while (band != Scratch().fullRows.end() && band->first <= lastRow) {
+    kxac::FootprintScratch& s = Scratch();
+    auto band = s.fullRows.upper_bound(firstRow);
+    if (band != s.fullRows.begin() && std::prev(band)->second >= firstRow) --band;
+    while (band != s.fullRows.end() && band->first <= lastRow) {
         const int first = band->first, last = band->second;
-        band = Scratch().fullRows.erase(band);
-        if (first < firstRow) Scratch().fullRows.emplace(first, firstRow - 1);
-        if (last > lastRow) Scratch().fullRows.emplace(lastRow + 1, last);
+        band = s.fullRows.erase(band);
+        if (first < firstRow) s.fullRows.emplace(first, firstRow - 1);
+        if (last > lastRow) s.fullRows.emplace(lastRow + 1, last);
     }
 }
 
 void CAvoidObject::DrawPolygon() {
-    const size_t n = Scratch().polygon.size() / 2;
+    kxac::FootprintScratch& s = Scratch();
+    const size_t n = s.polygon.size() / 2;
     if (n == 0) return;
     double minX = std::numeric_limits<double>::infinity(), maxX = -minX;
     double minY = minX, maxY = -minX;
     for (size_t i = 0; i < n; ++i) {
-        const double x = Scratch().polygon[2 * i];
-        const double y = Scratch().polygon[2 * i + 1];
+        const double x = s.polygon[2 * i];
+        const double y = s.polygon[2 * i + 1];
         if (!std::isfinite(x) || !std::isfinite(y)) return;
         minX = std::min(minX, x);
         maxX = std::max(maxX, x);
@@ -207,25 +210,25 @@ void CAvoidObject::DrawPolygon() {
     const bool inRange = CellOf(minX) >= kMinCell && CellOf(maxX) <= kMaxCell &&
                          CellOf(minY) >= kMinCell && CellOf(maxY) <= kMaxCell &&
                          CellOf(maxX) - CellOf(minX) < kMaxColumns;
-    const bool rectangle = inRange && IsCellRectangle(Scratch().polygon);
+    const bool rectangle = inRange && IsCellRectangle(s.polygon);
     if (!inRange) {
         const double left = -kMargin * kSubpixels;
         const double right = (std::min(width(), kWindowCells) + kMargin) * kSubpixels;
         const double bottom = (std::min(height(), kWindowCells) + kMargin) * kSubpixels;
-        ClipSide(Scratch().polygon, Scratch().clipped, 0, left, -1.0);
-        ClipSide(Scratch().clipped, Scratch().polygon, 0, right, 1.0);
-        ClipSide(Scratch().polygon, Scratch().clipped, 1, left, -1.0);
-        ClipSide(Scratch().clipped, Scratch().polygon, 1, bottom, 1.0);
-        if (Scratch().polygon.size() < 6) return;
+        ClipSide(s.polygon, s.clipped, 0, left, -1.0);
+        ClipSide(s.clipped, s.polygon, 0, right, 1.0);
+        ClipSide(s.polygon, s.clipped, 1, left, -1.0);
+        ClipSide(s.clipped, s.polygon, 1, bottom, 1.0);
+        if (s.polygon.size() < 6) return;
     }
     // The vertices as the outline takes them (subpixels inside the rasterizer's range) and
     // their bounds.
-    const size_t vertices = Scratch().polygon.size() / 2;
-    Scratch().subpixels.resize(2 * vertices);
+    const size_t vertices = s.polygon.size() / 2;
+    s.subpixels.resize(2 * vertices);
     int x0 = INT_MAX, y0 = INT_MAX, x1 = INT_MIN, y1 = INT_MIN;
     for (size_t i = 0; i < 2 * vertices; i += 2) {
-        const int x = Scratch().subpixels[i] = kxac::TruncToInt(Scratch().polygon[i]);
-        const int y = Scratch().subpixels[i + 1] = kxac::TruncToInt(Scratch().polygon[i + 1]);
+        const int x = s.subpixels[i] = kxac::TruncToInt(s.polygon[i]);
+        const int y = s.subpixels[i + 1] = kxac::TruncToInt(s.polygon[i + 1]);
         x0 = std::min(x0, x);
         x1 = std::max(x1, x);
         y0 = std::min(y0, y);
@@ -240,7 +243,7 @@ void CAvoidObject::DrawPolygon() {
     // A polygon adds nothing when the raster holds none of its cells, or when its cells lie in
     // rows that are one run from column 0 to at least its right end. Skipping one that cannot
     // exhaust the outline's blocks leaves every later polygon's cells as they would have been.
-    if (!Scratch().drawEverything && CellsAtMost(Scratch().subpixels, kSkippableCells)) {
+    if (!s.drawEverything && CellsAtMost(s.subpixels, kSkippableCells)) {
         if (top > bottom || left > right) return;
         if (right < FullWidth() &&
             NoteFullRows(static_cast<int>(top), static_cast<int>(bottom), true)) {
@@ -255,14 +258,14 @@ void CAvoidObject::DrawPolygon() {
     } else {
         agg::outline& outline = Rasterizer().get_outline();
         outline.reset();
-        outline.walk_always(Scratch().drawEverything);
-        outline.move_to(Scratch().subpixels[0], Scratch().subpixels[1]);
-        for (size_t i = 2; i + 1 < Scratch().subpixels.size(); i += 2)
-            outline.line_to(Scratch().subpixels[i], Scratch().subpixels[i + 1]);
-        outline.line_to(Scratch().subpixels[0], Scratch().subpixels[1]);
+        outline.walk_always(s.drawEverything);
+        outline.move_to(s.subpixels[0], s.subpixels[1]);
+        for (size_t i = 2; i + 1 < s.subpixels.size(); i += 2)
+            outline.line_to(s.subpixels[i], s.subpixels[i + 1]);
+        outline.line_to(s.subpixels[0], s.subpixels[1]);
         Sweep();
     }
-    if (!Scratch().drawEverything && top <= bottom) {
+    if (!s.drawEverything && top <= bottom) {
         // Spans right of FullWidth() can add a second run to a full row: such rows are checked
         // again.
         if (right >= FullWidth()) ForgetFullRows(static_cast<int>(top), static_cast<int>(bottom));
@@ -302,7 +305,8 @@ void CAvoidObject::AddLine(int* xy, int count, int width) {
 void CAvoidObject::AddRing(int* xy, int count) {
     const int points = count > 0 ? count / 2 : 0;
     if (xy != nullptr && points > 0 && CRLERaster::DT() != nullptr) {
-        Scratch().fullRows.clear();
+        kxac::FootprintScratch& s = Scratch();
+        s.fullRows.clear();
         double minX = std::numeric_limits<double>::max(), maxX = -minX;
         double minY = minX, maxY = -minX;
         for (int k = 0; k < points; ++k) {
@@ -312,9 +316,9 @@ void CAvoidObject::AddRing(int* xy, int count) {
             maxY = std::max<double>(maxY, xy[2 * k + 1]);
         }
         if (!OutsideCanvas(minX, minY, maxX, maxY)) {
-            Scratch().polygon.resize(2 * static_cast<size_t>(points));
-            for (size_t i = 0; i < Scratch().polygon.size(); ++i)
-                Scratch().polygon[i] = xy[i] * kSubpixels;
+            s.polygon.resize(2 * static_cast<size_t>(points));
+            for (size_t i = 0; i < s.polygon.size(); ++i)
+                s.polygon[i] = xy[i] * kSubpixels;
             DrawPolygon();
         }
     }
