@@ -13,6 +13,9 @@ and the mutated line); the same goes to report.txt in the build folder. Not part
 a sample of 150 mutants takes an hour or more on two cores.
 
     python3 tools/mutate.py --build build/mutate --mutants 150 --seed 13
+
+With --recheck REPORT it tests only the survivors of an earlier report against today's sources
+and tests (each found by its original line), to see which of them later tests kill.
 """
 
 import argparse
@@ -117,6 +120,24 @@ def generate(mutate, tree, rel, cache):
     return mutants
 
 
+def survivors_of(report, tree):
+    """The survivors of a report as (file, line, mutated line) in today's sources: each is found
+    by its original line, the occurrence nearest to the line number it had; gone ones are left
+    out with a note."""
+    found = []
+    entries = re.findall(r"^  (\S+):(\d+)\n    - (.*)\n    \+ (.*)$", report, re.M)
+    for rel, line, before, after in entries:
+        lines = (tree / rel).read_text().splitlines(keepends=True) if (tree / rel).exists() else []
+        hits = [i for i, text in enumerate(lines) if text.strip() == before]
+        if not hits:
+            print(f"mutate: {rel}:{line} no longer in the sources: {before}")
+            continue
+        i = min(hits, key=lambda k: abs(k + 1 - int(line)))
+        indent = lines[i][: len(lines[i]) - len(lines[i].lstrip())]
+        found.append((rel, i + 1, indent + after + "\n"))
+    return found
+
+
 def copy_tree(repo, tree):
     files = run(["git", "-C", str(repo), "ls-files", "--cached", "--others", "--exclude-standard",
                  "-z"]).stdout.split("\0")
@@ -140,6 +161,9 @@ def main():
     ap.add_argument("--jobs", type=int, default=2)
     ap.add_argument("--test-timeout", type=int, default=60, help="seconds per test")
     ap.add_argument("--mutant-timeout", type=int, default=900, help="seconds per build or run")
+    ap.add_argument("--recheck", metavar="REPORT",
+                    help="test only the survivors listed in an earlier report, found in today's "
+                         "sources by their original line, against today's tests")
     args = ap.parse_args()
 
     repo = Path(__file__).resolve().parent.parent
@@ -170,12 +194,17 @@ def main():
         sys.exit("mutate: the unmutated tree fails its tests:\n" + check.stdout[-4000:])
 
     pool = []
-    for rel in sources(tree):
+    if args.recheck:
+        pool = survivors_of(Path(args.recheck).read_text(), tree)
+        args.mutants = len(pool)
+        print(f"mutate: rechecking {len(pool)} survivors of {args.recheck}", flush=True)
+    for rel in [] if args.recheck else sources(tree):
         lines = (tree / rel).read_text().splitlines(keepends=True)
         # Mutants that change only comments or spacing are not mutants of the code.
         pool += [(rel, line, text) for line, text in generate(mutate, tree, rel, cache)
                  if code_of(text) != code_of(lines[line - 1])]
-    random.Random(args.seed).shuffle(pool)
+    if not args.recheck:
+        random.Random(args.seed).shuffle(pool)
     print(f"mutate: {len(pool)} mutants of {len(sources(tree))} files, seed {args.seed}, "
           f"taking the first {args.mutants} that compile", flush=True)
 
