@@ -157,8 +157,12 @@ TEST(RleRun, LengthWrapsAndPackingPutsStartLow) {
 TEST(RleRun, CompareConnectAndTouchStayExactAtIntegerLimits) {
     const RLE r(3, 6);
     const int expected[][2] = {{1, -2}, {2, -1}, {4, 0}, {7, 1}, {9, 3}};
-    for (const auto& e : expected)
+    for (const auto& e : expected) {
         EXPECT_EQ(r.Compare(e[0]), e[1]) << "x " << e[0];
+        // A run is below the cells after it and above the cells before it, neither for its own.
+        EXPECT_EQ(r < e[0], e[1] > 0) << "x " << e[0];
+        EXPECT_EQ(r > e[0], e[1] < 0) << "x " << e[0];
+    }
     EXPECT_LT(RLE(INT_MAX, INT_MAX).Compare(INT_MIN), 0);
     EXPECT_GT(RLE(INT_MIN, INT_MIN).Compare(INT_MAX), 0);
     EXPECT_FALSE(RLE(INT_MIN, INT_MIN).IsConnect(INT_MAX));

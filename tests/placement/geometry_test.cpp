@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 TEST(Box, DefaultIsTheEmptyBoxAndCenterTruncatesTowardZero) {
     EXPECT_EQ(Box(), Box(1, 1, -1, -1));
     EXPECT_FALSE(Box().IsValid());
@@ -12,6 +14,8 @@ TEST(Box, DefaultIsTheEmptyBoxAndCenterTruncatesTowardZero) {
     EXPECT_EQ(Box(5, 5, 5, 5).Center(), Location(5, 5));
     EXPECT_EQ(Box(-3, -3, 0, 0).Center(), Location(-1, -1));
     EXPECT_EQ(Box(0, 0, 3, 3).Center(), Location(1, 1));
+    const Envelope e;
+    EXPECT_EQ((std::array<double, 4>{e.x1, e.y1, e.x2, e.y2}), (std::array<double, 4>{}));
 }
 
 TEST(Box, IntersectTestsAndOperationsIgnoreValidity) {

@@ -68,6 +68,9 @@ TEST(Transform, MapToCellTruncatesTowardZero) {
 TEST(GrowBuffer, GrowsToExactlyTheLargestSizeKeepingTheBytes) {
     CGrowBuffer b;
     EXPECT_EQ(b.data, nullptr);
+    EXPECT_EQ(std::make_pair(b.size, b.capacity), std::make_pair(0u, 0u));
+    ASSERT_TRUE(b.SetSize(1));
+    EXPECT_NE(b.data, nullptr);
     ASSERT_TRUE(b.SetSize(40));
     std::memset(b.data, 0x5A, 40);
     unsigned char* const held = b.data;

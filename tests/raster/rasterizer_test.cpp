@@ -64,6 +64,12 @@ TEST(Rasterizer, CoverageUnderBothFillRules) {
 
 TEST(Rasterizer, SweepJoinsPartialCellsAndLeavesOutSameWayOverlapUnderEvenOdd) {
     agg::rasterizer ras;
+    // A triangle inside one cell is that one cell.
+    ras.get_outline().move_to(3 * kCell + 20, 4 * kCell + 20);
+    ras.get_outline().line_to(3 * kCell + 230, 4 * kCell + 20);
+    ras.get_outline().line_to(3 * kCell + 120, 4 * kCell + 230);
+    EXPECT_EQ(Sweep(ras), (Spans{{4, 3, 3}}));
+    ras.get_outline().reset();
     Rect(ras.get_outline(), 2 * kCell, kCell, 5 * kCell + 128, 3 * kCell);
     EXPECT_EQ(Sweep(ras), (Spans{{1, 2, 5}, {2, 2, 5}}));
     for (int rule : {0, 1}) {
