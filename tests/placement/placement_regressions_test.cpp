@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "placement/AvoidContainer.h"
 #include "placement/Occupancy.h"
 #include "test_support.h"
 
@@ -137,6 +138,27 @@ TEST(CellRectangle, RingsAndAxisStrokesGiveTheRunsOfTheSweep) {
 
 // The canvas bitmap against a plain array of cells: spans across word boundaries, at the last
 // column of a row whose width is no multiple of 64, and clearing of the rows drawn in.
+// Rectangles on cell corners, either way round and as axis strokes, never reach the rasterizer:
+// the container's outline keeps what it held. Other shapes are swept.
+TEST(CellRectangle, RectanglesOnCellCornersSkipTheSweep) {
+    CPriorityAvoidContainer c;
+    testing_support::SetCanvas(*c.DT(), 100, 100);
+    const agg::outline& outline = c.DT()->raster.get_outline();
+    CAvoidObject* obj = c.NewObject();
+    int horizontalFirst[] = {10, 10, 30, 10, 30, 20, 10, 20};
+    int verticalFirst[] = {40, 10, 40, 20, 60, 20, 60, 10, 40, 10};
+    int stroke[] = {10, 50, 60, 50};
+    obj->AddRing(horizontalFirst, 8);
+    obj->AddRing(verticalFirst, 10);
+    obj->AddLine(stroke, 4, 3);
+    EXPECT_EQ(outline.cell_count(), 0u);
+    EXPECT_EQ(testing_support::CellsOf(*obj).size(), 20u * 10 + 20 * 10 + 50 * 6);
+    int triangle[] = {10, 70, 30, 70, 10, 90};
+    obj->AddRing(triangle, 6);
+    EXPECT_GT(outline.cell_count(), 0u);
+    c.Recycle(obj);
+}
+
 TEST(Occupancy, SpansMatchAnArrayOfCellsAcrossWordsAndClears) {
     std::mt19937 rng(7);
     for (const long long columns : {1LL, 63LL, 64LL, 65LL, 200LL}) {
