@@ -98,7 +98,7 @@ Outcome RunInChild(const Case& c, bool fast, double budget) {
     const bool read_ok = read(fd[0], &r, sizeof r) == static_cast<ssize_t>(sizeof r);
     close(fd[0]);
     int status = 0;
-    struct rusage usage {};
+    struct rusage usage = {};
     wait4(pid, &status, 0, &usage);
     if (!read_ok || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return out;
     r.peakKiB = usage.ru_maxrss;

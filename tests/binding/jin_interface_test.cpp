@@ -24,6 +24,10 @@ struct FakeArray {
     std::size_t Size() const { return ints.size() + doubles.size() + longs.size(); }
 };
 
+// The member of a FakeArray that holds elements of type T.
+template <class T>
+using ArrayField = std::vector<T> FakeArray::*;
+
 struct FakeString {
     std::string utf;
 };
@@ -96,7 +100,7 @@ struct FakeJvm {
         if (Of(a).name == jvm.throwOnLengthOf) throw std::bad_alloc();
         return static_cast<jsize>(Of(a).Size());
     }
-    template <class T, class A, std::vector<T> FakeArray::*field>
+    template <class T, class A, ArrayField<T> field>
     static T* JNICALL GetElements(JNIEnv* e, A a, jboolean*) {
         EXPECT_NE(a, nullptr) << "elements of a null array";
         FakeJvm& jvm = Of(e);
@@ -108,7 +112,7 @@ struct FakeJvm {
         ++jvm.pinned;
         return copy;
     }
-    template <class T, class A, std::vector<T> FakeArray::*field>
+    template <class T, class A, ArrayField<T> field>
     static void JNICALL ReleaseElements(JNIEnv* e, A a, T* elements, jint mode) {
         EXPECT_NE(a, nullptr) << "release of a null array";
         FakeJvm& jvm = Of(e);
