@@ -109,18 +109,8 @@ LibraryOutcome LibraryPass(CAvoidContainer& c, kxbench::Scene& s,
         }
         c.Add(obj, true);
     }
-    for (size_t i = 0; i < s.labels.size(); ++i) {
-        const kxbench::Label& l = s.labels[i];
-        CAvoidObject* obj = c.NewObject();
-        obj->ID(static_cast<long long>(i));
-        const Box& b = l.box;
-        int ring[] = {b.left,      b.top,        b.right + 1, b.top,
-                      b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
-        obj->AddRing(ring, 8);
-        auto& offsets = obj->OffsetCollection();
-        offsets.insert(offsets.end(), l.offsets.begin(), l.offsets.end());
-        c.Add(obj, false);
-    }
+    for (size_t i = 0; i < s.labels.size(); ++i)
+        kxbench::AddLabel(c, s.labels[i], static_cast<long long>(i));
     LibraryOutcome out;
     if (placedAt) placedAt->assign(s.labels.size(), {false, Location()});
     for (const CAvoidObject* obj : c.PlacedObjects()) {

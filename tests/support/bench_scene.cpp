@@ -232,8 +232,9 @@ void FitToScene(CAvoidContainer& c, const Scene& s) {
     FitMapExtent(*c.DT(), 0.0, 0.0, s.width, s.height);
 }
 
-void AddLabel(CAvoidContainer& c, const Label& l) {
+void AddLabel(CAvoidContainer& c, const Label& l, long long id) {
     CAvoidObject* obj = c.NewObject();
+    obj->ID(id);
     const Box& b = l.box;
     int ring[] = {b.left,      b.top,        b.right + 1, b.top,
                   b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};

@@ -56,8 +56,9 @@ struct PassCounts {
 
 // Fits the container's transform to the scene's canvas (map units = cells).
 void FitToScene(CAvoidContainer& c, const Scene& s);
-// Adds one label: its box as a ring, with its candidate offsets behind (0, 0).
-void AddLabel(CAvoidContainer& c, const Label& l);
+// Adds one label with the given numeric ID: its box as a ring, with its candidate offsets behind
+// (0, 0).
+void AddLabel(CAvoidContainer& c, const Label& l, long long id = 0);
 // One whole pass: builds every footprint, adds the forced obstacles and then the first
 // maxLabels labels, reads the counts, and resets the container. The scene is not changed; the
 // library's footprint calls take their vertices through non-const pointers.
