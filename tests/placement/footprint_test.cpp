@@ -53,60 +53,63 @@ double EdgeDistance(const std::vector<double>& xy, double px, double py) {
 
 }  // namespace
 
-TEST(AddLine, SegmentsHaveNoCapsOrJoinsAndEmptyOnesDrawNothing) {
-    Canvas c(100, 100), l(100, 100);
-    int line[] = {0, 5, 10, 5};  // a horizontal segment covers the rows on both sides
-    c.obj.AddLine(line, 4, 1);
-    EXPECT_EQ(CellsOf(c.obj), RectCells(0, 4, 10, 6));
-    EXPECT_EQ(c.obj.RLEMaxExtent(), Box(0, 4, 9, 5));
-    // A segment of length 0, then an L whose outer corner cell (20, 9) belongs to neither
-    // stroke; a trailing odd value is ignored.
-    int corner[] = {10, 10, 10, 10, 20, 10, 20, 20, 99};
-    l.obj.AddLine(corner, 9, 1);
-    EXPECT_EQ(CellsOf(l.obj), Union(RectCells(10, 9, 20, 11), RectCells(19, 10, 21, 20)));
-}
-
-TEST(AddLine, SegmentsOffTheCanvasAreSkippedOrClipped) {
-    Canvas c(50, 50);
-    // Two segments wholly left of the canvas, then one running into it.
-    int line[] = {-30, 10, -10, 10, -10, 30, 30, 30};
-    c.obj.AddLine(line, 8, 1);
-    EXPECT_EQ(CellsOf(c.obj), RectCells(0, 29, 30, 31));
-    // Just above the canvas: a stroke that would reach rows 0..1 is skipped by its points.
-    int above[] = {10, -3, 40, -3};
-    Canvas d(50, 50);
-    d.obj.AddLine(above, 4, 5);
-    EXPECT_TRUE(d.obj.Grid().IsEmpty());
-    d.obj.DT(nullptr);  // without a transform nothing is drawn
-    d.obj.AddLine(line, 8, 1);
-    EXPECT_TRUE(d.obj.Grid().IsEmpty());
-}
-
-TEST(AddRing, RingsFillByTheEvenOddRule) {
-    Canvas square(100, 100), twice(100, 100), eight(100, 100);
-    int ring[] = {10, 20, 30, 20, 30, 25, 10, 25};
-    square.obj.AddRing(ring, 8);
-    EXPECT_EQ(CellsOf(square.obj), RectCells(10, 20, 30, 25));
-    // Twice around the same square: every inner cell is covered twice and left out.
-    int loops[] = {10, 10, 20, 10, 20, 20, 10, 20, 10, 10, 20, 10, 20, 20, 10, 20};
-    twice.obj.AddRing(loops, 16);
-    EXPECT_TRUE(CellsOf(twice.obj).empty());
-    // A figure of eight: two squares joined at the crossing point (20, 20).
-    int figure[] = {10, 10, 20, 10, 20, 20, 30, 20, 30, 30, 20, 30, 20, 20, 10, 20};
-    eight.obj.AddRing(figure, 16);
-    EXPECT_EQ(CellsOf(eight.obj), Union(RectCells(10, 10, 20, 20), RectCells(20, 20, 30, 30)));
-}
-
-TEST(AddLine, MillionCellCoordinatesGiveTheClippedStroke) {
-    Canvas c(100, 60);
-    int line[] = {-1000000, 30, 3000000, 30, INT_MIN, INT_MIN, INT_MAX, INT_MAX};
-    c.obj.AddLine(line, 4, 3);
-    EXPECT_EQ(CellsOf(c.obj), RectCells(0, 27, 100, 33));
-    c.obj.AddLine(line + 4, 4, 3);
-    c.obj.AddRing(line, 8);
-    for (const auto& cell : CellsOf(c.obj)) {
-        EXPECT_TRUE(cell.first >= 0 && cell.first < 100 && cell.second >= 0 && cell.second < 60);
+// Shapes drawn on a fresh object of a 100 x 60 canvas: the cells they give. Lines (width > 0) or
+// rings (width 0) of int cells.
+TEST(Footprint, LinesAndRingsGiveTheirCells) {
+    struct Case {
+        const char* what;
+        std::vector<int> xy;
+        int width;
+        CellSet cells;
+    };
+    const Case cases[] = {
+        {"a horizontal segment covers the rows on both sides",
+         {0, 5, 10, 5},
+         1,
+         RectCells(0, 4, 10, 6)},
+        // The outer corner cell (20, 9) belongs to neither stroke; a trailing odd value is ignored.
+        {"no caps or joins; empty segments draw nothing",
+         {10, 10, 10, 10, 20, 10, 20, 20, 99},
+         1,
+         Union(RectCells(10, 9, 20, 11), RectCells(19, 10, 21, 20))},
+        {"segments left of the canvas skipped, one running in clipped",
+         {-30, 10, -10, 10, -10, 30, 30, 30},
+         1,
+         RectCells(0, 29, 30, 31)},
+        {"a stroke that would reach rows 0..1 is skipped by its points", {10, -3, 40, -3}, 5, {}},
+        {"million-cell coordinates give the clipped stroke",
+         {-1000000, 30, 3000000, 30},
+         3,
+         RectCells(0, 27, 100, 33)},
+        {"even-odd ring", {10, 20, 30, 20, 30, 25, 10, 25}, 0, RectCells(10, 20, 30, 25)},
+        {"twice around: every inner cell covered twice and left out",
+         {10, 10, 20, 10, 20, 20, 10, 20, 10, 10, 20, 10, 20, 20, 10, 20},
+         0,
+         {}},
+        {"a figure of eight joined at (20, 20)",
+         {10, 10, 20, 10, 20, 20, 30, 20, 30, 30, 20, 30, 20, 20, 10, 20},
+         0,
+         Union(RectCells(10, 10, 20, 20), RectCells(20, 20, 30, 30))},
+    };
+    for (const Case& k : cases) {
+        Canvas c(100, 60);
+        std::vector<int> xy = k.xy;
+        if (k.width > 0) c.obj.AddLine(xy.data(), static_cast<int>(xy.size()), k.width);
+        if (k.width == 0) c.obj.AddRing(xy.data(), static_cast<int>(xy.size()));
+        EXPECT_EQ(CellsOf(c.obj), k.cells) << k.what;
     }
+    Canvas c(100, 60);
+    int line[] = {0, 5, 10, 5, INT_MIN, INT_MIN, INT_MAX, INT_MAX};
+    c.obj.AddLine(line, 4, 1);
+    EXPECT_EQ(c.obj.RLEMaxExtent(), Box(0, 4, 9, 5));
+    c.obj.AddLine(line + 4, 4, 3);
+    c.obj.AddRing(line + 2, 6);
+    for (const auto& [x, y] : CellsOf(c.obj))
+        EXPECT_TRUE(x >= 0 && x < 100 && y >= 0 && y < 60) << x << "," << y;
+    c.obj.Reset();
+    c.obj.DT(nullptr);  // without a transform nothing is drawn
+    c.obj.AddLine(line, 4, 1);
+    EXPECT_TRUE(c.obj.Grid().IsEmpty());
 }
 
 TEST(AddRing, HugePolygonsAreClippedToTheSameCells) {

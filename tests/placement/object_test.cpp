@@ -1,0 +1,184 @@
+// Boxes, the transform from map units to cells, the grow buffer, the avoid object's offsets and
+// extents, and the raster that turns swept cells into runs.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <tuple>
+#include <vector>
+
+#include "placement/AvoidContainer.h"
+#include "placement/RLERaster.h"
+
+namespace {
+
+TEST(Box, EmptyBoxCentreIntersectAndUnion) {
+    EXPECT_EQ(Box(), Box(1, 1, -1, -1));
+    EXPECT_EQ(Box(5, 5, 5, 5).Width(), 1);
+    // Centres truncate toward zero.
+    EXPECT_EQ(Box(-3, -3, 0, 0).Center(), Location(-1, -1));
+    EXPECT_EQ(Box(0, 0, 3, 3).Center(), Location(1, 1));
+    const Box a(0, 0, 9, 9);
+    EXPECT_TRUE(a.IsIntersect(Box(9, 9, 20, 20)));  // a shared edge cell overlaps
+    EXPECT_FALSE(a.IsIntersect(Box(10, 0, 20, 9)));
+    EXPECT_FALSE(a.IsIntersect(Box(0, 10, 9, 20)));
+    // An inverted box meets what no comparison separates it from; operations ignore validity.
+    EXPECT_TRUE(a.IsIntersect(Box(8, 8, 2, 2)));
+    EXPECT_EQ(a.Intersect(Box(20, 20, 30, 30)), Box(20, 20, 9, 9));
+    Box b(10, 10, 20, 20), empty;
+    b.Union(Box());
+    empty.Union(Box(10, 10, 20, 20));
+    EXPECT_EQ(std::make_pair(b, empty), std::make_pair(Box(1, 1, 20, 20), Box(1, 1, 20, 20)));
+    EXPECT_EQ(Box(11, 22, 13, 24).RevOffset(Location(10, 20)), Box(1, 2, 3, 4));
+    EXPECT_EQ(Location(3, 4).RevOffset(Location(1, 1)).Offset(2, -5), Location(4, -2));
+}
+
+std::vector<double> Extent(const CDT& dt) {
+    return {dt.resolution, dt.minX, dt.minY, dt.maxX, dt.maxY};
+}
+
+TEST(Transform, FitsExtentToTheDeviceAndMapsTowardZero) {
+    CDT dt;
+    FitDeviceRect(dt, 10, 20, 110, 70);
+    FitMapExtent(dt, 0, 0, 1000, 1000);
+    EXPECT_EQ(Extent(dt), (std::vector<double>{20, -500, 0, 1500, 1000}));
+    FitDeviceRect(dt, 0, 0, 200, 50);  // refits the held extent -500..1500 x 0..1000
+    EXPECT_EQ(Extent(dt), (std::vector<double>{20, -1500, 0, 2500, 1000}));
+    CDT wrapped;  // sizes are 32-bit differences
+    FitDeviceRect(wrapped, INT32_MIN, 0, INT32_MAX, -7);
+    EXPECT_EQ(std::make_tuple(wrapped.originX, wrapped.width, wrapped.height),
+              std::make_tuple(INT32_MIN, -1LL, -7LL));
+    CDT m;
+    m.minX = 1000, m.maxY = 2000, m.resolution = 2;
+    EXPECT_EQ((std::vector<int>{MapToCellX(m, 1003), MapToCellY(m, 1995), MapToCellX(m, 999),
+                                MapToCellY(m, 2001), MapToCellX(m, 997)}),
+              (std::vector<int>{1, 2, 0, 0, -1}));
+    m.originX = 5;
+    EXPECT_EQ(MapToCellX(m, 1003), 6);
+    // NaN and values outside 32 bits give the most negative int.
+    const std::pair<double, int> rows[] = {
+        {2147483647.9, INT32_MAX}, {-2147483648.9, INT32_MIN}, {-7.9, -7},
+        {2147483648.0, INT32_MIN}, {-1e300, INT32_MIN},        {NAN, INT32_MIN}};
+    for (auto [v, cell] : rows)
+        EXPECT_EQ(kxac::TruncToInt(v), cell) << v;
+    CDT zero;  // resolution 0: infinities and NaN
+    EXPECT_EQ(std::make_pair(MapToCellX(zero, 5), MapToCellX(zero, 0)),
+              std::make_pair(INT32_MIN, INT32_MIN));
+}
+
+TEST(GrowBuffer, GrowsToExactlyTheLargestSizeKeepingTheBytes) {
+    CGrowBuffer b;
+    ASSERT_TRUE(b.SetSize(40));
+    std::memset(b.data, 0x5A, 40);
+    unsigned char* const held = b.data;
+    ASSERT_TRUE(b.SetSize(8));
+    EXPECT_EQ(b.data, held);
+    EXPECT_EQ(std::make_pair(b.size, b.capacity), std::make_pair(8u, 40u));
+    ASSERT_TRUE(b.SetSize(100));
+    EXPECT_EQ(std::make_pair(b.size, b.capacity), std::make_pair(100u, 100u));
+    EXPECT_EQ(std::vector<unsigned char>(b.data, b.data + 40),
+              std::vector<unsigned char>(40, 0x5A));
+}
+
+TEST(AvoidObject, ResetOffsetsAndExtents) {
+    CAvoidObject obj;
+    EXPECT_EQ(obj.Offset(), Location(0, 0));  // never reset: no offsets at all
+    obj.StringID("label-7");
+    obj.ID(42);
+    obj.PlacedState(1);
+    obj.AddRLE(2, 1, 4);
+    obj.RecordMaxRLE();
+    obj.Reset();
+    EXPECT_EQ(obj.OffsetCollection(), std::vector<Location>{Location()});
+    EXPECT_EQ(std::make_tuple(obj.MaxExtent(), obj.IsValid(), obj.PlacedState(), obj.ID()),
+              std::make_tuple(Box(), false, 0, 0LL));
+    EXPECT_TRUE(obj.Grid().IsEmpty());
+    EXPECT_EQ(obj.StringID(), "label-7");
+    obj.AddBox(Box(0, 0, 5, 5));
+    obj.RecordMaxRLE();  // empty grid: columns from INT_MAX down to INT_MIN
+    EXPECT_EQ(obj.RLEMaxExtent().left, INT_MAX);
+    EXPECT_FALSE(obj.IsValid());  // boxes take part in no extent
+    for (int row = 40; row <= 45; ++row)
+        obj.AddRLE(row, 50, 60);
+    obj.RecordMaxRLE();
+    obj.OffsetCollection().emplace_back(5, 7);
+    obj.OffsetIterator(obj.OffsetCollection().begin() + 1);
+    EXPECT_EQ(std::make_pair(obj.RLEMaxExtent(), obj.MaxExtent()),
+              std::make_pair(Box(55, 47, 65, 52), Box(6, 8, 65, 52)));
+    // Clearing keeps the iterator's slot: past the end it reads (0, 0), refilled it reads again.
+    obj.ClearOffset();
+    EXPECT_EQ(obj.Offset(), Location(0, 0));
+    obj.OffsetCollection().emplace_back(9, 9);
+    EXPECT_EQ(obj.Offset(), Location(9, 9));
+}
+
+TEST(AvoidObject, MapBoxesTruncateTowardZeroUnsorted) {
+    CDT dt;
+    dt.width = dt.height = 100;
+    dt.minX = 1000, dt.maxY = 2000, dt.resolution = 2;
+    CAvoidObject obj;
+    obj.Reset();
+    obj.AddBox(Envelope{1, 2, 3, 4});  // no transform: nothing
+    obj.DT(&dt);
+    // (1003, 1995) is cell (1, 2); (999, 2001) is (-0.5, -0.5), truncated to (0, 0).
+    obj.AddBox(Envelope{1003, 1995, 999, 2001});
+    obj.AddBox(Envelope{std::numeric_limits<double>::quiet_NaN(), -1e300, 1e300, 1990});
+    EXPECT_EQ(obj.Boxes(), (std::vector<Box>{Box(1, 2, 0, 0), Box(INT_MIN, INT_MIN, INT_MIN, 5)}));
+}
+
+using Runs = std::vector<std::tuple<int, int, int>>;
+
+// The part of an avoid object a raster needs: a sink for runs and a count of resizes.
+class RecordingRaster : public CRLERaster {
+public:
+    void AddRLE(int row, int first, int last) override { runs.emplace_back(row, first, last); }
+    void OnResizeConvas() override { ++resizes, CRLERaster::OnResizeConvas(); }
+    std::pair<unsigned, unsigned> Size() const { return {width(), height()}; }
+    agg::rasterizer& Ras() { return Rasterizer(); }
+    // The cell rectangle (x0, y0)-(x1, y1), corners on cell boundaries.
+    Runs Draw(int x0, int y0, int x1, int y1) {
+        const int k = agg::subpixel_scale;
+        agg::outline& o = Rasterizer().get_outline();
+        o.reset();
+        o.move_to(x0 * k, y0 * k);
+        o.line_to(x1 * k, y0 * k);
+        o.line_to(x1 * k, y1 * k);
+        o.line_to(x0 * k, y1 * k);
+        runs.clear();
+        Sweep();
+        return runs;
+    }
+    Runs runs;
+    int resizes = 0;
+};
+
+TEST(RleRaster, EvenOddGammaClippedRunsAndACanvasThatFollowsTheTransform) {
+    RecordingRaster r;
+    CDT dt;
+    r.DT(&dt);
+    // The transform's rasterizer, set for the raster whatever it held before.
+    dt.raster.fill_rule(0);
+    dt.raster.gamma(1.0);
+    EXPECT_EQ(r.Ras().fill_rule(), 1);
+    EXPECT_EQ(r.Ras().gamma_table()[128], 104);
+    EXPECT_TRUE(r.Draw(1, 1, 3, 3).empty());  // a zero canvas clips everything
+    dt.width = 10;
+    dt.height = 4;
+    r.DT(&dt);
+    EXPECT_EQ(r.Draw(-2, 2, 12, 6), (Runs{{2, 0, 9}, {3, 0, 9}}));
+    EXPECT_EQ(r.Draw(3, 1, 5, 2), (Runs{{1, 3, 4}}));
+    EXPECT_TRUE(r.Draw(11, 1, 15, 2).empty());
+    dt.width = (int64_t{1} << 32) + 7;
+    dt.height = -1;
+    CRLERaster& base = r;
+    base.OnResizeConvas();
+    EXPECT_EQ(r.Size(), std::make_pair(7u, 0xFFFFFFFFu));
+    base.DT(nullptr);
+    EXPECT_EQ(r.resizes, 4);
+    EXPECT_EQ(r.Size(), std::make_pair(0x7FFFFFFFu, 0x7FFFFFFFu));
+}
+
+}  // namespace
