@@ -53,41 +53,31 @@ double EdgeDistance(const std::vector<double>& xy, double px, double py) {
 
 }  // namespace
 
-// Shapes drawn on a fresh object of a 100 x 60 canvas: the cells they give. Lines (width > 0) or
-// rings (width 0) of int cells.
+// Shapes drawn on a fresh object of a 100 x 60 canvas, and the cells they give: lines (width > 0)
+// or rings (width 0) of int cells.
 TEST(Footprint, LinesAndRingsGiveTheirCells) {
     struct Case {
-        const char* what;
         std::vector<int> xy;
         int width;
         CellSet cells;
     };
     const Case cases[] = {
-        {"a horizontal segment covers the rows on both sides",
-         {0, 5, 10, 5},
-         1,
-         RectCells(0, 4, 10, 6)},
-        // The outer corner cell (20, 9) belongs to neither stroke; a trailing odd value is ignored.
-        {"no caps or joins; empty segments draw nothing",
-         {10, 10, 10, 10, 20, 10, 20, 20, 99},
+        // A horizontal segment covers the rows on both sides.
+        {{0, 5, 10, 5}, 1, RectCells(0, 4, 10, 6)},
+        // No caps or joins: the outer corner cell (20, 9) belongs to neither stroke; a segment of
+        // length 0 and a trailing odd value draw nothing.
+        {{10, 10, 10, 10, 20, 10, 20, 20, 99},
          1,
          Union(RectCells(10, 9, 20, 11), RectCells(19, 10, 21, 20))},
-        {"segments left of the canvas skipped, one running in clipped",
-         {-30, 10, -10, 10, -10, 30, 30, 30},
-         1,
-         RectCells(0, 29, 30, 31)},
-        {"a stroke that would reach rows 0..1 is skipped by its points", {10, -3, 40, -3}, 5, {}},
-        {"million-cell coordinates give the clipped stroke",
-         {-1000000, 30, 3000000, 30},
-         3,
-         RectCells(0, 27, 100, 33)},
-        {"even-odd ring", {10, 20, 30, 20, 30, 25, 10, 25}, 0, RectCells(10, 20, 30, 25)},
-        {"twice around: every inner cell covered twice and left out",
-         {10, 10, 20, 10, 20, 20, 10, 20, 10, 10, 20, 10, 20, 20, 10, 20},
-         0,
-         {}},
-        {"a figure of eight joined at (20, 20)",
-         {10, 10, 20, 10, 20, 20, 30, 20, 30, 30, 20, 30, 20, 20, 10, 20},
+        // Segments left of the canvas are skipped, one running into it is clipped.
+        {{-30, 10, -10, 10, -10, 30, 30, 30}, 1, RectCells(0, 29, 30, 31)},
+        {{10, -3, 40, -3}, 5, {}},  // would reach rows 0..1: skipped by its points
+        {{-1000000, 30, 3000000, 30}, 3, RectCells(0, 27, 100, 33)},
+        // Rings fill by the even-odd rule: twice around leaves the inside out; a figure of eight
+        // joined at (20, 20).
+        {{10, 20, 30, 20, 30, 25, 10, 25}, 0, RectCells(10, 20, 30, 25)},
+        {{10, 10, 20, 10, 20, 20, 10, 20, 10, 10, 20, 10, 20, 20, 10, 20}, 0, {}},
+        {{10, 10, 20, 10, 20, 20, 30, 20, 30, 30, 20, 30, 20, 20, 10, 20},
          0,
          Union(RectCells(10, 10, 20, 20), RectCells(20, 20, 30, 30))},
     };
@@ -96,7 +86,7 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
         std::vector<int> xy = k.xy;
         if (k.width > 0) c.obj.AddLine(xy.data(), static_cast<int>(xy.size()), k.width);
         if (k.width == 0) c.obj.AddRing(xy.data(), static_cast<int>(xy.size()));
-        EXPECT_EQ(CellsOf(c.obj), k.cells) << k.what;
+        EXPECT_EQ(CellsOf(c.obj), k.cells) << "case " << &k - cases;
     }
     Canvas c(100, 60);
     int line[] = {0, 5, 10, 5, INT_MIN, INT_MIN, INT_MAX, INT_MAX};

@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdio>
 #include <map>
 #include <random>
 #include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "test_support.h"
@@ -86,18 +88,18 @@ TEST_P(ContainerRules, Outcome) {
                 ASSERT_TRUE(s[0] != 'N' || got != other) << s << " gave " << name;
             obj = got;
             held.insert(obj);
-            ASSERT_EQ(obj->PlacedState(), 0);
-            ASSERT_EQ(obj->ID(), 0);
-            ASSERT_EQ(obj->DT(), c.DT());
-            ASSERT_TRUE(obj->Grid().IsEmpty());
-            ASSERT_EQ(obj->OffsetCollection().size(), 1u);
+            // Handed out reset: state 0, no ID, the container's transform, no cells, one offset.
+            ASSERT_EQ(std::make_tuple(obj->PlacedState(), obj->ID(), obj->DT(),
+                                      obj->Grid().IsEmpty(), obj->OffsetCollection().size()),
+                      std::make_tuple(0, 0LL, c.DT(), true, size_t{1}))
+                << s;
             const Shape& sh = kShapes.at(s.back());
             const int x1 = sh.x + sh.size, y1 = sh.y + sh.size;
             int ring[] = {sh.x, sh.y, x1, sh.y, x1, y1, sh.x, y1};
             obj->AddRing(ring, 8);
-            ASSERT_EQ(testing_support::CellsOf(*obj),
-                      testing_support::RectCells(sh.x, sh.y, x1, y1));
-            ASSERT_EQ(obj->MaxExtent(), Box(1, 1, x1 - 1, y1 - 1));
+            ASSERT_EQ(std::make_pair(testing_support::CellsOf(*obj), obj->MaxExtent()),
+                      std::make_pair(testing_support::RectCells(sh.x, sh.y, x1, y1),
+                                     Box(1, 1, x1 - 1, y1 - 1)));
             obj->OffsetCollection().insert(obj->OffsetCollection().end(), sh.offsets.begin(),
                                            sh.offsets.end());
             obj->ID(s.back());
@@ -137,96 +139,52 @@ TEST_P(ContainerRules, Outcome) {
 INSTANTIATE_TEST_SUITE_P(Scripts, ContainerRules, testing::ValuesIn(kScripts),
                          [](const testing::TestParamInfo<Script>& i) { return i.param.name; });
 
-// Footprints for the collision rules: runs (row, first, last; a row of -1 records the run extent
-// so far) and boxes, at an offset.
-struct Footprint {
-    std::vector<std::vector<int>> runs;
-    std::vector<Box> boxes;
-    Location at;
-};
-
-struct Collision {
-    const char* rule;
-    Footprint a, b;
-    bool aMeetsB, bMeetsA;  // a.IsIntersect(&b), b.IsIntersect(&a)
-};
-
-const Footprint kSquare = {{{10, 10, 12}, {11, 10, 12}, {12, 10, 12}, {-1}}, {}, {}};
-const Collision kCollisions[] = {
-    {"BoxesOfTheArgumentMeetTheReceiversRunsOnly",
-     kSquare,
-     {{{50, 50, 52}, {-1}}, {Box(9, 9, 13, 13)}, {}},
-     false,
-     true},
-    {"BoxesMeetBoxes",
-     {{{0, 0, 0}, {-1}}, {Box(5, 5, 6, 6)}, {}},
-     {{{90, 90, 90}, {-1}}, {Box(6, 6, 8, 8)}, {}},
-     true,
-     true},
-    {"ObjectsWithoutRunsNeverCollide", {{}, {Box(0, 0, 100, 100)}, {}}, kSquare, false, false},
-    {"RunsTouchingInOneCornerCellCollide", kSquare, {kSquare.runs, {}, {2, 2}}, true, true},
-    {"RunsOneCellApartDoNot", kSquare, {kSquare.runs, {}, {3, -2}}, false, false},
-    {"OffsetsShiftBothGrids",
-     {{{10, 20, 24}, {-1}}, {}, {-7, 3}},
-     {{{15, 10, 12}, {-1}}, {}, {4, -2}},
-     true,
-     true},
-    {"ShiftedPastTheRightEndTheyMiss",
-     {{{10, 20, 24}, {-1}}, {}, {-7, 3}},
-     {{{15, 10, 12}, {-1}}, {}, {9, -2}},
-     false,
-     false},
-    {"ShiftedOneRowDownTheyMiss",
-     {{{10, 20, 24}, {-1}}, {}, {-7, 3}},
-     {{{15, 10, 12}, {-1}}, {}, {4, -1}},
-     false,
-     false},
-    {"RunsAfterTheRecordedExtentAreNotSeen",
-     {{{5, 0, 2}, {5, 14, 15}, {-1}, {5, 16, 30}}, {}, {}},
-     {{{5, 12, 12}, {5, 25, 25}, {-1}}, {}, {}},
-     false,
-     false},
-    {"RunsInsideTheExtentAreSeen",
-     {{{5, 0, 2}, {5, 14, 15}, {-1}, {5, 16, 30}}, {}, {}},
-     {{{5, 12, 12}, {5, 25, 25}, {-1}}, {}, {2, 0}},
-     true,
-     true},
-    {"NearTheLargestColumnTheyCollide",
-     {{{0, 0, 3}, {-1}}, {}, {INT_MAX - 10, 0}},
-     {{{0, 0, 0}, {-1}}, {}, {INT_MAX - 8, 0}},
-     true,
-     true},
-    {"AnExtentShiftedPastTheLimitIsNotValid",
-     {{{0, 0, 3}, {-1}}, {}, {INT_MAX - 1, 0}},
-     {{{0, 0, 0}, {-1}}, {}, {INT_MIN + 1, 0}},
-     false,
-     false},
-};
-
-void Build(CAvoidObject& obj, const Footprint& f) {
+// Footprints for the collision rules, one token each: "row:first-last" a run, "!" records the
+// run extent so far, "bL,T,R,B" a box, "@x,y" the offset.
+void Build(CAvoidObject& obj, const std::string& footprint) {
     obj.Reset();
-    for (const std::vector<int>& r : f.runs) {
-        if (r[0] < 0) obj.RecordMaxRLE();
-        if (r[0] >= 0) obj.AddRLE(r[0], r[1], r[2]);
+    std::istringstream in(footprint);
+    for (std::string t; in >> t;) {
+        int a = 0, b = 0, c = 0, d = 0;
+        if (t == "!") obj.RecordMaxRLE();
+        if (std::sscanf(t.c_str(), "b%d,%d,%d,%d", &a, &b, &c, &d) == 4)
+            obj.AddBox(Box(a, b, c, d));
+        if (std::sscanf(t.c_str(), "@%d,%d", &a, &b) == 2)
+            obj.OffsetCollection()[0] = Location(a, b);
+        if (std::sscanf(t.c_str(), "%d:%d-%d", &a, &b, &c) == 3) obj.AddRLE(a, b, c);
     }
-    for (const Box& b : f.boxes)
-        obj.AddBox(b);
-    obj.OffsetCollection()[0] = f.at;
 }
 
-class CollisionRules : public testing::TestWithParam<Collision> {};
-
-TEST_P(CollisionRules, BothWays) {
-    CAvoidObject a, b;
-    Build(a, GetParam().a);
-    Build(b, GetParam().b);
-    EXPECT_EQ(a.IsIntersect(&b), GetParam().aMeetsB);
-    EXPECT_EQ(b.IsIntersect(&a), GetParam().bMeetsA);
-    EXPECT_FALSE(a.IsIntersect(nullptr));
+// Each case: footprints a and b, then whether a.IsIntersect(&b) and b.IsIntersect(&a).
+TEST(CollisionRules, BothWays) {
+    const std::string sq = "10:10-12 11:10-12 12:10-12 ! ";  // a square with its extent
+    const std::string cases[][3] = {
+        // Boxes of the argument meet the receiver's runs only; boxes meet boxes.
+        {sq, "50:50-52 ! b9,9,13,13", "01"},
+        {"0:0-0 ! b5,5,6,6", "90:90-90 ! b6,6,8,8", "11"},
+        {"b0,0,100,100", sq, "00"},  // objects without runs never collide
+        {sq, sq + "@2,2", "11"},     // runs touching in one corner cell collide
+        {sq, sq + "@3,-2", "00"},    // runs one cell apart do not
+        // Offsets shift both grids; shifted past the right end or one row down they miss.
+        {"10:20-24 ! @-7,3", "15:10-12 ! @4,-2", "11"},
+        {"10:20-24 ! @-7,3", "15:10-12 ! @9,-2", "00"},
+        {"10:20-24 ! @-7,3", "15:10-12 ! @4,-1", "00"},
+        // Runs after the recorded extent are not seen, runs inside it are.
+        {"5:0-2 5:14-15 ! 5:16-30", "5:12-12 5:25-25 !", "00"},
+        {"5:0-2 5:14-15 ! 5:16-30", "5:12-12 5:25-25 ! @2,0", "11"},
+        // Near the largest column they collide; an extent shifted past the limit is not valid.
+        {"0:0-3 ! @2147483637,0", "0:0-0 ! @2147483639,0", "11"},
+        {"0:0-3 ! @2147483646,0", "0:0-0 ! @-2147483647,0", "00"},
+    };
+    for (const auto& [fa, fb, expected] : cases) {
+        CAvoidObject a, b;
+        Build(a, fa);
+        Build(b, fb);
+        const char got[] = {a.IsIntersect(&b) ? '1' : '0', b.IsIntersect(&a) ? '1' : '0', 0};
+        EXPECT_EQ(got, expected) << "a: " << fa << ", b: " << fb;
+        EXPECT_FALSE(a.IsIntersect(nullptr));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Pairs, CollisionRules, testing::ValuesIn(kCollisions),
-                         [](const testing::TestParamInfo<Collision>& i) { return i.param.rule; });
 
 // Probes of an object with cells (1, 0), (9, 9) and, when `centre`, (0, 0), and the box
 // (5, 5)-(6, 6): the quarter search on its own cells, and the box test, where the coarse extent

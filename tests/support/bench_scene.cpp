@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <random>
 #include <sstream>
 #include <stdexcept>
 
@@ -16,10 +15,6 @@ constexpr int kClearance = 4;
 constexpr int kWorldWidth = 8192;
 constexpr int kWorldHeight = 4096;
 constexpr int kPieceSpan = 48;
-
-// Cells per label on the synthetic canvases: about three times a label's own area, a density at
-// which roughly half of the labels find a place.
-constexpr double kCellsPerLabel = 2400.0;
 
 struct City {
     double lon = 0.0;
@@ -101,12 +96,6 @@ int WorldY(double lat) {
     return static_cast<int>(std::lround((90.0 - lat) / 180.0 * kWorldHeight));
 }
 
-Label LabelRightOf(int x, int y, int width) {
-    Box box(x + kClearance, y - kLabelHeight / 2, x + kClearance + width - 1,
-            y - kLabelHeight / 2 + kLabelHeight - 1);
-    return {box, ClassicOffsets(box, Location(x, y), kClearance)};
-}
-
 Obstacle Dot(int x, int y) {
     return {{x - 1, y - 2, x + 2, y - 2, x + 3, y - 1, x + 3, y + 2, x + 2, y + 3, x - 1, y + 3,
              x - 2, y + 2, x - 2, y - 1},
@@ -126,15 +115,6 @@ void AddPieces(const std::vector<std::vector<double>>& lines, Scene& s) {
     }
 }
 
-Scene SyntheticCanvas(int n) {
-    Scene s;
-    int side = static_cast<int>(std::ceil(std::sqrt(n * kCellsPerLabel)));
-    s.width = side;
-    s.height = side;
-    s.labels.reserve(n);
-    return s;
-}
-
 }  // namespace
 
 std::vector<Location> ClassicOffsets(const Box& rightOfPoint, const Location& point,
@@ -145,6 +125,12 @@ std::vector<Location> ClassicOffsets(const Box& rightOfPoint, const Location& po
     return {Location(-w - 2 * clearance, 0),
             Location(centred, point.y - clearance - h - rightOfPoint.top),
             Location(centred, point.y + clearance - rightOfPoint.top)};
+}
+
+Label LabelRightOf(int x, int y, int width) {
+    Box box(x + kClearance, y - kLabelHeight / 2, x + kClearance + width - 1,
+            y - kLabelHeight / 2 + kLabelHeight - 1);
+    return {box, ClassicOffsets(box, Location(x, y), kClearance)};
 }
 
 std::vector<std::vector<int>> SplitPolyline(const std::vector<int>& xy, int maxSpan) {
@@ -176,35 +162,6 @@ std::vector<std::vector<int>> SplitPolyline(const std::vector<int>& xy, int maxS
     }
     pieces.emplace_back(pts.begin() + 2 * start, pts.end());
     return pieces;
-}
-
-Scene UniformLabels(int n, uint32_t seed) {
-    Scene s = SyntheticCanvas(n);
-    std::mt19937 rng(seed);
-    std::uniform_int_distribution<int> x(0, s.width - 1), y(0, s.height - 1), w(24, 96);
-    for (int i = 0; i < n; ++i) {
-        int px = x(rng), py = y(rng), width = w(rng);
-        s.labels.push_back(LabelRightOf(px, py, width));
-    }
-    return s;
-}
-
-Scene ClusteredLabels(int n, uint32_t seed) {
-    Scene s = SyntheticCanvas(n);
-    std::mt19937 rng(seed);
-    std::uniform_int_distribution<int> x(0, s.width - 1), y(0, s.height - 1), w(24, 96);
-    std::vector<Location> centres(static_cast<size_t>(std::max(1, n / 100)));
-    for (auto& c : centres)
-        c = Location(x(rng), y(rng));
-    std::uniform_int_distribution<size_t> pick(0, centres.size() - 1);
-    std::normal_distribution<double> spread(0.0, 60.0);
-    for (int i = 0; i < n; ++i) {
-        const Location& c = centres[pick(rng)];
-        int px = std::clamp(c.x + static_cast<int>(spread(rng)), 0, s.width - 1);
-        int py = std::clamp(c.y + static_cast<int>(spread(rng)), 0, s.height - 1);
-        s.labels.push_back(LabelRightOf(px, py, w(rng)));
-    }
-    return s;
 }
 
 Scene WorldCities(int cities) {
@@ -242,26 +199,6 @@ void AddLabel(CAvoidContainer& c, const Label& l, long long id) {
     auto& offsets = obj->OffsetCollection();
     offsets.insert(offsets.end(), l.offsets.begin(), l.offsets.end());
     c.Add(obj, false);
-}
-
-PassCounts RunPass(CAvoidContainer& c, Scene& s, size_t maxLabels) {
-    for (Obstacle& o : s.forced) {
-        CAvoidObject* obj = c.NewObject();
-        int count = static_cast<int>(o.xy.size());
-        if (o.halfWidth > 0) {
-            obj->AddLine(o.xy.data(), count, o.halfWidth);
-        } else {
-            obj->AddRing(o.xy.data(), count);
-        }
-        c.Add(obj, true);
-    }
-    size_t n = std::min(maxLabels, s.labels.size());
-    for (size_t i = 0; i < n; ++i) {
-        AddLabel(c, s.labels[i]);
-    }
-    PassCounts counts{c.PlacedObjects().size(), c.UnplacedObjects().size()};
-    c.Reset();
-    return counts;
 }
 
 }  // namespace kxbench

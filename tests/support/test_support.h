@@ -2,6 +2,8 @@
 #pragma once
 
 #include <set>
+#include <sstream>
+#include <string>
 #include <utility>
 
 #include "placement/AvoidContainer.h"
@@ -30,6 +32,20 @@ inline CellSet CellsOf(const CAvoidObject& obj) {
         }
     }
     return cells;
+}
+
+// The run extent, then every stored row with its runs as written ("row: first-last ...").
+inline std::string RunsText(const CAvoidObject& obj) {
+    std::ostringstream out;
+    const Box& e = obj.RLEMaxExtent();
+    out << "extent " << e.left << ',' << e.top << ',' << e.right << ',' << e.bottom;
+    const CRLEIndexQuery& grid = obj.Grid();
+    for (int row = grid.StartRow(); !grid.IsEmpty() && row <= grid.EndRow(); ++row) {
+        out << "\n" << row << ':';
+        for (const RLE& run : *grid.RowRuns(row))
+            out << ' ' << run.start << '-' << run.end;
+    }
+    return out.str();
 }
 
 // The cells of [x0, x1) x [y0, y1).
