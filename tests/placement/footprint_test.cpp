@@ -130,13 +130,12 @@ TEST(AddLine, NaNAndInfiniteMapCoordinatesActAsTheMostNegativeCell) {
     // Canvas 64 x 64 showing map (0, 0)-(64, 64): column = x, row = 64 - y.
     double map[] = {nan, 10, 30, 10, 30, inf, -inf, 30, 20, 20, 40, 20};
     int cells[] = {INT_MIN, 54, 30, 54, 30, INT_MIN, INT_MIN, 34, 20, 44, 40, 44};
-    Canvas fromMap(64, 64), fromCells(64, 64);
-    fromMap.obj.AddLine(map, 12, 1);
-    fromCells.obj.AddLine(cells, 12, 1);
-    EXPECT_EQ(CellsOf(fromMap.obj), CellsOf(fromCells.obj));
-    EXPECT_EQ(CellsOf(fromCells.obj).count({30, 5}), 1u);  // up column 30 from row 54
-    Canvas ringMap(64, 64), ringCells(64, 64);
-    ringMap.obj.AddRing(map, 12);
+    Canvas line(64, 64), lineCells(64, 64), ring(64, 64), ringCells(64, 64);
+    line.obj.AddLine(map, 12, 1);
+    lineCells.obj.AddLine(cells, 12, 1);
+    ring.obj.AddRing(map, 12);
     ringCells.obj.AddRing(cells, 12);
-    EXPECT_EQ(CellsOf(ringMap.obj), CellsOf(ringCells.obj));
+    EXPECT_EQ(CellsOf(line.obj), CellsOf(lineCells.obj));
+    EXPECT_EQ(CellsOf(ring.obj), CellsOf(ringCells.obj));
+    EXPECT_EQ(CellsOf(lineCells.obj).count({30, 5}), 1u);  // up column 30 from row 54
 }

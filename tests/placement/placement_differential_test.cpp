@@ -133,19 +133,13 @@ private:
         for (Location& o : more)
             o = Location(Coord(-30, 30), Coord(-30, 30));
         for (CAvoidObject* obj : {p.fast, p.slow}) {
-            if (kind == 0) {
-                for (size_t i = 0; i + 2 < v.size(); i += 3)
-                    obj->AddRLE(y + v[i] % 4, x + v[i + 1], x + v[i + 1] + v[i + 2] % 7);
-                if (!stale) obj->RecordMaxRLE();
-            } else if (kind == 1) {
-                obj->AddBox(box);
-            } else if (kind == 2) {
-                obj->AddLine(v.data(), static_cast<int>(v.size()), width);
-            } else if (kind == 3) {
-                obj->AddRing(d.data(), 8);
-            } else {
-                obj->AddRing(v.data(), static_cast<int>(v.size()));
-            }
+            for (size_t i = 0; kind == 0 && i + 2 < v.size(); i += 3)
+                obj->AddRLE(y + v[i] % 4, x + v[i + 1], x + v[i + 1] + v[i + 2] % 7);
+            if (kind == 0 && !stale) obj->RecordMaxRLE();
+            if (kind == 1) obj->AddBox(box);
+            if (kind == 2) obj->AddLine(v.data(), static_cast<int>(v.size()), width);
+            if (kind == 3) obj->AddRing(d.data(), 8);
+            if (kind >= 4) obj->AddRing(v.data(), static_cast<int>(v.size()));
             obj->OffsetCollection().insert(obj->OffsetCollection().end(), more.begin(), more.end());
         }
     }
@@ -258,27 +252,24 @@ TEST(IndexedPlacement, WorldCitiesMatchTheStraightforwardPass) {
     kxbench::Scene scene = kxbench::WorldCities(2000);
     CPriorityAvoidContainer fast;
     reference::PriorityContainer slow;
-    std::vector<std::vector<int>> chosen(2);
-    CPriorityAvoidContainer* sides[] = {&fast, &slow};
-    for (int s = 0; s < 2; ++s) {
-        CPriorityAvoidContainer& c = *sides[s];
-        kxbench::FitToScene(c, scene);
+    // Per container: how many are placed after each label, then the offsets of everything placed.
+    std::vector<int> chosen[2];
+    for (CPriorityAvoidContainer* c : {&fast, static_cast<CPriorityAvoidContainer*>(&slow)}) {
+        std::vector<int>& out = chosen[c == &fast ? 0 : 1];
+        kxbench::FitToScene(*c, scene);
         for (kxbench::Obstacle& o : scene.forced) {
-            CAvoidObject* obj = c.NewObject();
-            if (o.halfWidth > 0) {
-                obj->AddLine(o.xy.data(), static_cast<int>(o.xy.size()), o.halfWidth);
-            } else {
-                obj->AddRing(o.xy.data(), static_cast<int>(o.xy.size()));
-            }
-            c.Add(obj, true);
+            CAvoidObject* obj = c->NewObject();
+            const int n = static_cast<int>(o.xy.size());
+            if (o.halfWidth > 0) obj->AddLine(o.xy.data(), n, o.halfWidth);
+            if (o.halfWidth <= 0) obj->AddRing(o.xy.data(), n);
+            c->Add(obj, true);
         }
-        // Which labels find a place, and the offsets of everything placed.
         for (const kxbench::Label& l : scene.labels) {
-            kxbench::AddLabel(c, l);
-            chosen[s].push_back(static_cast<int>(c.PlacedObjects().size()));
+            kxbench::AddLabel(*c, l);
+            out.push_back(static_cast<int>(c->PlacedObjects().size()));
         }
-        for (const CAvoidObject* obj : c.PlacedObjects())
-            chosen[s].insert(chosen[s].end(), {obj->Offset().x, obj->Offset().y});
+        for (const CAvoidObject* obj : c->PlacedObjects())
+            out.insert(out.end(), {obj->Offset().x, obj->Offset().y});
     }
     EXPECT_EQ(chosen[0], chosen[1]);
     // Real data collides: a good share of the labels is rejected, and most find a place.

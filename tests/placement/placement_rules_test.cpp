@@ -86,8 +86,7 @@ TEST_P(ContainerRules, Outcome) {
             ASSERT_TRUE(s[0] != '=' || got == named[s[1]]) << s;
             for (const auto& [name, other] : named)
                 ASSERT_TRUE(s[0] != 'N' || got != other) << s << " gave " << name;
-            obj = got;
-            held.insert(obj);
+            held.insert(obj = got);
             // Handed out reset: state 0, no ID, the container's transform, no cells, one offset.
             ASSERT_EQ(std::make_tuple(obj->PlacedState(), obj->ID(), obj->DT(),
                                       obj->Grid().IsEmpty(), obj->OffsetCollection().size()),
@@ -103,21 +102,17 @@ TEST_P(ContainerRules, Outcome) {
             obj->OffsetCollection().insert(obj->OffsetCollection().end(), sh.offsets.begin(),
                                            sh.offsets.end());
             obj->ID(s.back());
-        } else if (s[0] == 'P' || s[0] == 'F') {
-            ASSERT_TRUE(c.Add(obj, s[0] == 'F'));
-            held.erase(obj);
-        } else if (s[0] == 'T') {
-            std::vector<CAvoidObject*> none;
-            ASSERT_TRUE(c.TakePalce(obj, none));
-            held.erase(obj);
-        } else if (s[0] == 'R') {
-            if (obj->PlacedState() == 0) held.erase(obj);
-            c.Recycle(obj);
-        } else if (s[0] == 'C') {
-            obj->OffsetCollection().clear();
-        } else if (s[0] == 'S') {
-            obj->PlacedState(7);
         }
+        std::vector<CAvoidObject*> none;
+        const bool added = s[0] == 'T'                  ? c.TakePalce(obj, none)
+                           : s[0] == 'P' || s[0] == 'F' ? c.Add(obj, s[0] == 'F')
+                                                        : true;
+        EXPECT_TRUE(added) << s;
+        if (s[0] == 'P' || s[0] == 'F' || s[0] == 'T' || (s[0] == 'R' && obj->PlacedState() == 0))
+            held.erase(obj);
+        if (s[0] == 'R') c.Recycle(obj);
+        if (s[0] == 'C') obj->OffsetCollection().clear();
+        if (s[0] == 'S') obj->PlacedState(7);
     }
     std::string got;
     for (const auto* list : {&c.PlacedObjects(), &c.UnplacedObjects()}) {
