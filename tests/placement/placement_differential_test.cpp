@@ -51,23 +51,16 @@ public:
         if (step % m_g.passSteps == m_g.passSteps - 1) return Reset();
         if (Chance(m_g.resizes)) Canvas();
         if (!Chance(m_g.lifetime)) return Chance(45) ? New() : Add();
-        switch (Uniform(0, 5)) {
-            case 0:
-                return Recycle(m_held, nullptr);
-            case 1:
-                return Recycle(m_listed, &m_pooledListed);
-            case 2:  // pooled already: Recycle finds the object in no list
-                if (!m_pooledListed.empty()) Both(m_pooledListed[Pick(m_pooledListed)]);
-                return;
-            case 3:
-                if (!m_held.empty()) {
-                    const Pair p = Take(m_held);
-                    delete p.fast, delete p.slow;
-                }
-                return;
-            default:
-                return ChangePlaced();
+        const int kind = Uniform(0, 5);
+        if (kind == 0) return Recycle(m_held, nullptr);
+        if (kind == 1) return Recycle(m_listed, &m_pooledListed);
+        // Pooled already: Recycle finds the object in no list.
+        if (kind == 2 && !m_pooledListed.empty()) Both(m_pooledListed[Pick(m_pooledListed)]);
+        if (kind == 3 && !m_held.empty()) {
+            const Pair p = Take(m_held);
+            delete p.fast, delete p.slow;
         }
+        if (kind >= 4) ChangePlaced();
     }
 
     void Check() {

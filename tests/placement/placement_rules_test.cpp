@@ -201,21 +201,14 @@ TEST(CollisionProbes, QuarterSearchBoxTestAndCellScan) {
     };
     for (const Probe& p : probes) {
         CAvoidObject a;
-        a.Reset();
-        a.AddRLE(0, 1, 1);
-        a.AddRLE(9, 9, 9);
-        if (p.centre) a.AddRLE(0, 0, 0);
-        a.RecordMaxRLE();
-        a.AddBox(Box(5, 5, 6, 6));
+        Build(a, p.centre ? "0:1-1 9:9-9 0:0-0 ! b5,5,6,6" : "0:1-1 9:9-9 ! b5,5,6,6");
         Box box = p.box;
         EXPECT_EQ(a.IsExistRLE(p.box), p.exist) << p.box.left << "," << p.box.top;
         EXPECT_EQ(a.IsIntersect(box), p.intersect) << p.box.left << "," << p.box.top;
     }
     CAvoidObject a, b;
-    a.Reset();
-    b.Reset();
-    a.AddRLE(1, 2, 2);
-    b.AddRLE(1, 2, 2);
+    Build(a, "1:2-2");
+    Build(b, "1:2-2");
     auto* other = const_cast<CRLEIndexQuery*>(&b.Grid());
     EXPECT_TRUE(a.IsExistRLE2(other, Box(0, 0, 2, 1), Location()));  // the last cell scanned
     EXPECT_TRUE(a.IsExistRLE(other, Box(0, 0, 2, 1), Location()));
