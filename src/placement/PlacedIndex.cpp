@@ -191,17 +191,16 @@ bool CPlacedIndex::Collide(const Entry& e, const Query& q) const {
     // Without boxes the entry's bounds are its run extent at its offset.
     if (e.bounds.IsDisjoin(q.runs)) return false;
     const Box area = e.bounds.Intersect(q.runs);
-    const CRLEIndexQuery& grid = q.obj->Grid();
     const RLE* ends = m_runs.data() + e.firstRun;
     const RLE* runs = ends + e.rowCount;
     for (int y = area.top; y <= area.bottom; ++y) {
         const long long row = static_cast<long long>(y) - e.offset.y - e.startRow;
         if (row < 0 || row >= e.rowCount) continue;
-        const RLERowRuns* other = grid.RowRuns(y - q.offset.y);
-        if (other == nullptr) continue;
+        const auto other = q.obj->Runs(y - q.offset.y);
+        if (other.first == other.second) continue;
         const kxac::RowSpan own(runs + (row == 0 ? 0 : ends[row - 1].start),
                                 runs + ends[row].start);
-        if (kxac::RowsMeet(own, e.offset.x, kxac::RowSpan(*other), q.offset.x, area.left,
+        if (kxac::RowsMeet(own, e.offset.x, {other.first, other.second}, q.offset.x, area.left,
                            area.right)) {
             return true;
         }
@@ -224,11 +223,10 @@ bool ForEachCell(const CAvoidObject& obj, long long left, long long top, long lo
     top = std::max<long long>(top, r.top);
     bottom = std::min<long long>(bottom, r.bottom);
     if (left > right) return false;
-    const CRLEIndexQuery& grid = obj.Grid();
     for (long long y = top; y <= bottom; ++y) {
-        const RLERowRuns* runs = grid.RowRuns(static_cast<int>(y - offset.y));
-        if (runs == nullptr) continue;
-        kxac::RowCells cells(kxac::RowSpan(*runs), offset.x, left);
+        const auto runs = obj.Runs(static_cast<int>(y - offset.y));
+        if (runs.first == runs.second) continue;
+        kxac::RowCells cells({runs.first, runs.second}, offset.x, left);
         long long lo = 0, hi = 0;
         while (cells.Next(lo, hi) && lo <= right) {
             lo = std::max(lo, left);
