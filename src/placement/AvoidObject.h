@@ -194,6 +194,11 @@ public:
     std::pair<const RLE*, const RLE*> Runs(int row) const;
     // Whether the footprint holds a run.
     bool HasRuns() const { return HoldsRectangle() || !IsEmpty(); }
+    // Whether the footprint is held as one rectangle of cells, and those cells, unshifted.
+    bool HeldRectangle(Box& cells) const {
+        cells = Box(m_rectangleRun.start, m_rectangleTop, m_rectangleRun.end, m_rectangleBottom);
+        return HoldsRectangle();
+    }
     // Whether the run ends of every row are non-decreasing; cached until the grid changes.
     bool RowsRegular() const;
 

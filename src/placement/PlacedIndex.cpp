@@ -223,6 +223,18 @@ bool ForEachCell(const CAvoidObject& obj, long long left, long long top, long lo
     top = std::max<long long>(top, r.top);
     bottom = std::min<long long>(bottom, r.bottom);
     if (left > right) return false;
+    Box cells;
+    if (obj.HeldRectangle(cells)) {
+        // Every row holds the same cells.
+        left = std::max<long long>(left, static_cast<long long>(cells.left) + offset.x);
+        right = std::min<long long>(right, static_cast<long long>(cells.right) + offset.x);
+        top = std::max<long long>(top, static_cast<long long>(cells.top) + offset.y);
+        bottom = std::min<long long>(bottom, static_cast<long long>(cells.bottom) + offset.y);
+        for (long long y = top; left <= right && y <= bottom; ++y) {
+            if (visit(y, left, right)) return true;
+        }
+        return false;
+    }
     for (long long y = top; y <= bottom; ++y) {
         const auto runs = obj.Runs(static_cast<int>(y - offset.y));
         if (runs.first == runs.second) continue;
