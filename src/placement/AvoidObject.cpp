@@ -87,6 +87,21 @@ void CAvoidObject::Reset() {
     m_regularity = Regularity::kUnknown;
 }
 
+const std::string& CAvoidObject::StringID() const {
+    static const std::string kNone;
+    return m_stringId ? *m_stringId : kNone;
+}
+
+void CAvoidObject::StringID(const std::string& id) {
+    if (id.empty()) {
+        m_stringId.reset();
+    } else if (m_stringId) {
+        *m_stringId = id;
+    } else {
+        m_stringId = std::make_unique<std::string>(id);
+    }
+}
+
 std::vector<Location>::iterator CAvoidObject::OffsetIterator() {
     return m_offsets.begin() + static_cast<std::ptrdiff_t>(std::min(m_position, m_offsets.size()));
 }

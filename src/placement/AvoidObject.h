@@ -132,8 +132,9 @@ public:
 
     long long ID() const { return m_id; }
     void ID(long long id) { m_id = id; }
-    const std::string& StringID() const { return m_stringId; }
-    void StringID(const std::string& id) { m_stringId = id; }
+    // Empty until set.
+    const std::string& StringID() const;
+    void StringID(const std::string& id);
     int PlacedState() const { return m_state; }
     void PlacedState(int state) { m_state = state; }
 
@@ -238,7 +239,8 @@ private:
     void ReleaseRows();
 
     long long m_id = 0;
-    std::string m_stringId;
+    // Few objects carry a string ID: it is held apart, null while empty.
+    std::unique_ptr<std::string> m_stringId;
     int m_state = kNotAdded;
     std::shared_ptr<kxac::ChangeSignal> m_watch;
 };
