@@ -212,10 +212,11 @@ namespace {
 
 // The occupied cells of obj's rows within its run extent r at its offset, clipped to the
 // columns [left, right] and rows [top, bottom]: calls visit(row, first, last) for each interval
-// until it returns true.
-template <typename Visit>
+// until it returns true. A footprint held as one rectangle goes to visitRows(top, bottom, first,
+// last) at once, with the same cells in every row.
+template <typename Visit, typename VisitRows>
 bool ForEachCell(const CAvoidObject& obj, long long left, long long top, long long right,
-                 long long bottom, Visit visit) {
+                 long long bottom, Visit visit, VisitRows visitRows) {
     const Box r = obj.RLEMaxExtent();
     const Location offset = obj.Offset();
     left = std::max<long long>(left, r.left);
@@ -225,15 +226,11 @@ bool ForEachCell(const CAvoidObject& obj, long long left, long long top, long lo
     if (left > right) return false;
     Box cells;
     if (obj.HeldRectangle(cells)) {
-        // Every row holds the same cells.
         left = std::max<long long>(left, static_cast<long long>(cells.left) + offset.x);
         right = std::min<long long>(right, static_cast<long long>(cells.right) + offset.x);
         top = std::max<long long>(top, static_cast<long long>(cells.top) + offset.y);
         bottom = std::min<long long>(bottom, static_cast<long long>(cells.bottom) + offset.y);
-        for (long long y = top; left <= right && y <= bottom; ++y) {
-            if (visit(y, left, right)) return true;
-        }
-        return false;
+        return left <= right && top <= bottom && visitRows(top, bottom, left, right);
     }
     for (long long y = top; y <= bottom; ++y) {
         const auto runs = obj.Runs(static_cast<int>(y - offset.y));
@@ -252,17 +249,26 @@ bool ForEachCell(const CAvoidObject& obj, long long left, long long top, long lo
 }  // namespace
 
 void CPlacedIndex::Draw(const CAvoidObject& obj) {
-    ForEachCell(obj, LLONG_MIN, LLONG_MIN, LLONG_MAX, LLONG_MAX,
-                [this](long long y, long long lo, long long hi) {
-                    m_occupancy.Set(y, lo, hi);
-                    return false;
-                });
+    ForEachCell(
+        obj, LLONG_MIN, LLONG_MIN, LLONG_MAX, LLONG_MAX,
+        [this](long long y, long long lo, long long hi) {
+            m_occupancy.Set(y, lo, hi);
+            return false;
+        },
+        [this](long long top, long long bottom, long long lo, long long hi) {
+            for (long long y = top; y <= bottom; ++y)
+                m_occupancy.Set(y, lo, hi);
+            return false;
+        });
 }
 
 bool CPlacedIndex::HitsDrawn(const CAvoidObject& obj) const {
     return ForEachCell(
         obj, 0, 0, m_occupancy.Columns() - 1, m_occupancy.Rows() - 1,
-        [this](long long y, long long lo, long long hi) { return m_occupancy.Any(y, lo, hi); });
+        [this](long long y, long long lo, long long hi) { return m_occupancy.Any(y, lo, hi); },
+        [this](long long top, long long bottom, long long lo, long long hi) {
+            return m_occupancy.Any(top, bottom, lo, hi);
+        });
 }
 
 bool CPlacedIndex::Collides(CAvoidObject* obj) {
