@@ -1,10 +1,6 @@
 package com.tavrint.core.util.index.grid;
 
-import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertFalse;
-import static org.junit.jupiter.api.Assertions.assertNull;
-import static org.junit.jupiter.api.Assertions.assertThrows;
-import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.junit.jupiter.api.Assertions.*;
 
 import java.util.List;
 import java.util.function.Consumer;
@@ -15,7 +11,7 @@ import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.Arguments;
 import org.junit.jupiter.params.provider.MethodSource;
 
-/** The handle-free layer: a whole pass, what collides, the object lifecycle, loud misuse. */
+/** The handle-free layer: what collides, results and ids, the object lifecycle, loud misuse. */
 class AvoidContainerTest {
     private static AvoidContainer canvas(AvoidContainer container) {
         container.setDeviceRect(0, 0, 200, 100);
@@ -27,41 +23,31 @@ class AvoidContainerTest {
     }
 
     @Test
-    void passPlacesLabelsAroundARoadInMapCoordinates() {
-        try (AvoidContainer container = canvas(new AvoidContainer())) {
-            container.setMapExtent(0, 0, 2000, 1000);
+    void passPlacesByCellsAndReportsListsOffsetsAndIds() {
+        try (AvoidContainer c = canvas(new AvoidContainer())) {
+            c.setMapExtent(0, 0, 2000, 1000);
             // A repeated point is a segment that draws nothing; the line goes on.
-            int[] line = {0, 50, 100, 50, 100, 50, 200, 50};
-            AvoidObject road = container.newObject().addLine(line, 2);
+            AvoidObject road = c.newObject().addLine(new int[] {0, 50, 100, 50, 100, 50, 200, 50}, 2);
             road.addForced();
-            AvoidObject free = label(container, "free", 10, 10);
-            AvoidObject moved =
-                    label(container, "moved", 10, 46).addOffset(3, 8).addOffset(-4, -10);
-            AvoidObject blocked = label(container, "blocked", 150, 46).addOffset(5, 2);
-            assertTrue(free.add());
-            assertTrue(moved.add());
-            assertFalse(blocked.add());
-            assertEquals(List.of(road, free, moved), container.placed());
-            assertEquals(List.of(blocked), container.unplaced());
+            AvoidObject free = c.newObject().addRect(10, 10, 29, 19);
+            AvoidObject beside = c.newObject().addRect(30, 10, 49, 19);
+            AvoidObject corner = c.newObject().addRect(49, 19, 60, 30); // shares a cell with beside
+            AvoidObject moved = c.newObject().addRect(10, 46, 29, 51).addOffset(3, 8).addOffset(-4, -10);
+            AvoidObject blocked = c.newObject().addRect(150, 46, 169, 51).addOffset(5, 2);
+            AvoidObject boxes = c.newObject().addBox(0, 0, 199, 99); // boxes alone never collide
+            AvoidObject obstacle = c.newObject().addRect(100, 70, 101, 71).addBox(100, 75, 150, 90);
+            AvoidObject underBox = c.newObject().addRect(120, 80, 130, 85);
+            // A later object's box does not see the cells placed before it.
+            AvoidObject boxOverCells = c.newObject().addRect(180, 10, 181, 11).addBox(0, 0, 50, 30);
+            List.of(free, beside, corner, moved, blocked, boxes, obstacle, underBox, boxOverCells)
+                    .forEach(AvoidObject::add);
+            assertEquals(List.of(road, free, beside, moved, boxes, obstacle, boxOverCells), c.placed());
+            assertEquals(List.of(corner, blocked, underBox), c.unplaced());
             assertEquals(3, moved.offsetX(), "placed at its first free offset");
-        }
-    }
-
-    @Test
-    void rectsAreCellsThatCollideAndBoxesBlockOnlyLaterCells() {
-        try (AvoidContainer container = canvas(new AvoidContainer())) {
-            assertTrue(container.newObject().addRect(10, 10, 29, 19).add());
-            assertFalse(container.newObject().addRect(20, 15, 39, 24).add(), "overlapping");
-            assertTrue(container.newObject().addRect(30, 10, 49, 19).add(), "side by side");
-            assertFalse(container.newObject().addRect(49, 19, 60, 30).add(), "a shared corner");
-            assertTrue(container.newObject().addBox(0, 0, 199, 99).add(), "boxes alone never do");
-
-            container.newObject().addRect(100, 40, 101, 41).addBox(100, 50, 150, 90).add();
-            assertFalse(container.newObject().addRect(120, 60, 130, 70).add(),
-                    "a placed object's box blocks the cells of a later one");
-            AvoidObject later =
-                    container.newObject().addRect(180, 10, 181, 11).addBox(0, 50, 50, 90);
-            assertTrue(later.add(), "a later object's box does not see cells placed before it");
+            String text = "Zürich – 東京 \uD83D\uDDFA \u0000 end";
+            assertEquals(text, free.setId(Long.MIN_VALUE + 3).setStringId(text).stringId());
+            assertEquals(Long.MIN_VALUE + 3, free.id());
+            assertNull(free.setStringId("").stringId(), "the empty string reads as null");
         }
     }
 
