@@ -10,7 +10,6 @@
 #include <list>
 #include <new>
 #include <random>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -80,9 +79,7 @@ struct FakeJvm {
     jintArray Ints(const std::string& name, std::vector<jint> v) {
         return Array<jintArray>({name, v, {}, {}});
     }
-    jdoubleArray Doubles(std::vector<jdouble> v) {
-        return Array<jdoubleArray>({"extent", {}, v, {}});
-    }
+    jdoubleArray Doubles(std::vector<jdouble> v) { return Array<jdoubleArray>({"map", {}, v, {}}); }
     void Call(const std::string& call) { calls += (calls.empty() ? "" : ", ") + call; }
     std::string Log() { return std::exchange(calls, ""); }
 
@@ -128,7 +125,10 @@ struct Pass {
         int square[] = {0, 0, 10, 0, 10, 10, 0, 10};
         At(obj)->AddRing(square, 8);
     }
-    ~Pass() { EXPECT_TRUE(NATIVE(DestroyAvoidContainer)(&jvm.env, nullptr, c)); }
+    ~Pass() {
+        NATIVE(DestroyAvoidObject)(&jvm.env, nullptr, obj);  // handed out, never added: not owned
+        EXPECT_TRUE(NATIVE(DestroyAvoidContainer)(&jvm.env, nullptr, c));
+    }
 
     std::string Extent() const {
         const Box e = At(obj)->RLEMaxExtent();
@@ -136,9 +136,8 @@ struct Pass {
     }
     std::string Canvas() const {
         const CDT& dt = *Container(c)->DT();
-        std::ostringstream out;
-        out << dt.width << "x" << dt.height << " at " << dt.resolution << " from " << dt.minX;
-        return out.str();
+        return S(dt.width) + "x" + S(dt.height) + " at " + std::to_string(dt.resolution) +
+               " from " + std::to_string(dt.minX);
     }
 };
 
@@ -192,15 +191,14 @@ TEST(Natives, NullHandlesAndNullArraysReachNoJniFunction) {
 // arrays held so far released.
 TEST(Natives, ShortOddAndUnreadableArguments) {
     const Case kCases[] = {
-        ROW("a new container is zero-filled", "100x100 at 0 from 0", "", t.Canvas()),
-        ROW("short rect", "100x100 at 2 from 0",
-            "length rect, length extent, get extent, release extent abort",
+        ROW("a new container is zero-filled", "100x100 at 0.000000 from 0.000000", "", t.Canvas()),
+        ROW("short rect", "100x100 at 2.000000 from 0.000000",
+            "length rect, length map, get map, release map abort",
             CALL(AvoidContainerExtent, t.c, t.jvm.Ints("rect", {0, 0, 10}),
                  t.jvm.Doubles({0, 0, 200, 100})),
             t.Canvas()),
-        ROW("extent first", "100x50 at 20 from -500",
-            "length rect, get rect, length extent, get extent, release extent abort, release rect "
-            "abort",
+        ROW("map extent released first", "100x50 at 20.000000 from -500.000000",
+            "length rect, get rect, length map, get map, release map abort, release rect abort",
             CALL(AvoidContainerExtent, t.c, t.jvm.Ints("rect", {0, 0, 100, 50, 9}),
                  t.jvm.Doubles({0, 0, 1000, 1000})),
             t.Canvas()),
@@ -214,8 +212,7 @@ TEST(Natives, ShortOddAndUnreadableArguments) {
             CALL(AvoidObject_1AddRing, t.obj, t.jvm.Ints("ring", {20, 20, 30, 20, 30, 30})),
             t.Extent()),
         ROW("exception", "java/lang/OutOfMemoryError",
-            "length rect, get rect, length extent, release rect abort",
-            t.jvm.throwOnLengthOf = "extent",
+            "length rect, get rect, length map, release rect abort", t.jvm.throwOnLengthOf = "map",
             CALL(AvoidContainerExtent, t.c, t.jvm.Ints("rect", {0, 0, 9, 9}),
                  t.jvm.Doubles({0, 0, 1, 1})),
             t.jvm.thrown),
