@@ -87,6 +87,21 @@ void CAvoidObject::Reset() {
     m_regularity = Regularity::kUnknown;
 }
 
+const std::string& CAvoidObject::StringID() const {
+    static const std::string kNone;
+    return m_stringId ? *m_stringId : kNone;
+}
+
+void CAvoidObject::StringID(const std::string& id) {
+    if (id.empty()) {
+        m_stringId.reset();
+    } else if (m_stringId) {
+        *m_stringId = id;
+    } else {
+        m_stringId = std::make_unique<std::string>(id);
+    }
+}
+
 std::vector<Location>::iterator CAvoidObject::OffsetIterator() {
     return m_offsets.begin() + static_cast<std::ptrdiff_t>(std::min(m_position, m_offsets.size()));
 }
@@ -123,9 +138,35 @@ void CAvoidObject::ReleaseRows() {
     } else {
         rows.clear();
     }
+    m_rectangleTop = 1;
+    m_rectangleBottom = 0;
+}
+
+void CAvoidObject::Expand() const {
+    if (!HoldsRectangle()) return;
+    // The grid is logically part of the footprint, which this does not change; a const object
+    // never holds a rectangle, as only drawing makes one.
+    auto& self = const_cast<CAvoidObject&>(*this);
+    self.RLERows::reserve(static_cast<size_t>(m_rectangleBottom - m_rectangleTop) + 1);
+    for (long long row = m_rectangleTop; row <= m_rectangleBottom; ++row) {
+        self.CRLEIndexCreate::Add(static_cast<int>(row), m_rectangleRun.start, m_rectangleRun.end);
+    }
+    self.m_rectangleTop = 1;
+    self.m_rectangleBottom = 0;
+}
+
+std::pair<const RLE*, const RLE*> CAvoidObject::Runs(int row) const {
+    if (HoldsRectangle()) {
+        if (row < m_rectangleTop || row > m_rectangleBottom) return {nullptr, nullptr};
+        return {&m_rectangleRun, &m_rectangleRun + 1};
+    }
+    const RLERowRuns* runs = RowRuns(row);
+    if (runs == nullptr) return {nullptr, nullptr};
+    return {runs->begin(), runs->end()};
 }
 
 void CAvoidObject::AddRLE(int row, int first, int last) {
+    Expand();
     Changed();
     Add(row, first, last);
     m_regularity = Regularity::kUnknown;
@@ -133,7 +174,9 @@ void CAvoidObject::AddRLE(int row, int first, int last) {
 
 void CAvoidObject::RecordMaxRLE() {
     Changed();
-    m_runExtent = Box(StartCol(), StartRow(), EndCol(), EndRow());
+    m_runExtent = HoldsRectangle() ? Box(m_rectangleRun.start, m_rectangleTop, m_rectangleRun.end,
+                                         m_rectangleBottom)
+                                   : Box(StartCol(), StartRow(), EndCol(), EndRow());
 }
 
 CDT* CAvoidObject::DT() { return CRLERaster::DT(); }
@@ -182,6 +225,7 @@ bool CAvoidObject::RunsMeet(CAvoidObject* o) const {
     // Far coordinates wrap and irregular rows answer by bisection: the cell scan covers both.
     if (!Tame(here) || !Tame(there) || !Tame(m_runExtent) || !Tame(o->m_runExtent) ||
         !RowsRegular() || !o->RowsRegular()) {
+        o->Expand();
         return IsIntersectRLE(o, o->RLEMaxExtent(), there);
     }
     const Box r = RLEMaxExtent();
@@ -189,10 +233,10 @@ bool CAvoidObject::RunsMeet(CAvoidObject* o) const {
     if (r.IsDisjoin(e)) return false;
     const Box area = r.Intersect(e);
     for (int y = area.top; y <= area.bottom; ++y) {
-        const RLERowRuns* a = RowRuns(y - here.y);
-        const RLERowRuns* b = o->RowRuns(y - there.y);
-        if (a == nullptr || b == nullptr) continue;
-        if (kxac::RowsMeet(kxac::RowSpan(*a), here.x, kxac::RowSpan(*b), there.x, area.left,
+        const auto a = Runs(y - here.y);
+        const auto b = o->Runs(y - there.y);
+        if (a.first == a.second || b.first == b.second) continue;
+        if (kxac::RowsMeet({a.first, a.second}, here.x, {b.first, b.second}, there.x, area.left,
                            area.right))
             return true;
     }
@@ -210,7 +254,7 @@ bool CAvoidObject::IsIntersect(Box& b) const {
 }
 
 bool CAvoidObject::IsIntersectRLE(const Box& b) const {
-    if (IsEmpty()) return false;
+    if (!HasRuns()) return false;
     const Box local = b.RevOffset(Offset());
     if (m_runExtent.IsDisjoin(local)) return false;
     return IsExistRLE(m_runExtent.Intersect(local));
@@ -228,6 +272,7 @@ bool CAvoidObject::IsExistRLE(CRLEIndexQuery* g, const Box& area, const Location
 
 bool CAvoidObject::IsExistRLE2(CRLEIndexQuery* g, const Box& area, const Location& go) const {
     if (g == nullptr) return false;
+    Expand();
     const Location here = Offset();
     // 64-bit counters: an area reaching the largest column or row must still end.
     for (long long x = area.left; x <= area.right; ++x) {
@@ -243,6 +288,7 @@ bool CAvoidObject::IsExistRLE2(CRLEIndexQuery* g, const Box& area, const Locatio
 }
 
 bool CAvoidObject::IsExistRLE(const Box& b) const {
+    Expand();
     if (b.IsValid() || !WrapSafe(b)) return AnyCellBetween(*this, b);
     return QuarterSearch(*this, b);
 }

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "index/RLEIndex.h"
@@ -28,6 +29,11 @@ struct AvoidObjectFields {
     Box m_runExtent;
     // Whether the run ends of every row are non-decreasing; known until the grid changes.
     mutable Regularity m_regularity = Regularity::kUnknown;
+    // A footprint that is one rectangle of cells is held as its run and its rows rather than as a
+    // row record each: the grid then stores no row. No rectangle while top > bottom.
+    RLE m_rectangleRun;
+    int m_rectangleTop = 1;
+    int m_rectangleBottom = 0;
 };
 }  // namespace kxac
 
@@ -120,13 +126,15 @@ public:
     void AddLine(double* xy, int count, int width);
     void AddRing(double* xy, int count);
 
-    // The run sink: the cells first .. last (inclusive) of row join this object's grid.
-    void AddRLE(int row, int first, int last) override;
+    // The run sink: the cells first .. last (inclusive) of row join this object's grid. Final:
+    // rectangles on cell corners reach the grid without passing through it.
+    void AddRLE(int row, int first, int last) final;
 
     long long ID() const { return m_id; }
     void ID(long long id) { m_id = id; }
-    const std::string& StringID() const { return m_stringId; }
-    void StringID(const std::string& id) { m_stringId = id; }
+    // Empty until set.
+    const std::string& StringID() const;
+    void StringID(const std::string& id);
     int PlacedState() const { return m_state; }
     void PlacedState(int state) { m_state = state; }
 
@@ -171,10 +179,27 @@ public:
     // over the cells between their bounds.
     bool IsExistRLE(const Box& b) const;
 
-    // Read access to the object's own runs.
-    const CRLEIndexQuery& Grid() const { return *this; }
-    // The stored rows, from the start row; valid until the grid changes.
-    const RLERowRuns* RowData() const { return RLERows::data(); }
+    // Read access to the object's own runs. A footprint held as one rectangle is first stored
+    // row by row, for good.
+    const CRLEIndexQuery& Grid() const {
+        Expand();
+        return *this;
+    }
+    // The stored rows, from the start row, as Grid() stores them; valid until the grid changes.
+    const RLERowRuns* RowData() const {
+        Expand();
+        return RLERows::data();
+    }
+    // The runs of one row of the footprint, [first, second); empty for a row it does not hold.
+    // Valid until the footprint changes. Never stores a rectangle's rows.
+    std::pair<const RLE*, const RLE*> Runs(int row) const;
+    // Whether the footprint holds a run.
+    bool HasRuns() const { return HoldsRectangle() || !IsEmpty(); }
+    // Whether the footprint is held as one rectangle of cells, and those cells, unshifted.
+    bool HeldRectangle(Box& cells) const {
+        cells = Box(m_rectangleRun.start, m_rectangleTop, m_rectangleRun.end, m_rectangleBottom);
+        return HoldsRectangle();
+    }
     // Whether the run ends of every row are non-decreasing; cached until the grid changes.
     bool RowsRegular() const;
 
@@ -183,6 +208,10 @@ public:
     void Watch(std::shared_ptr<kxac::ChangeSignal> signal) { m_watch = std::move(signal); }
 
 private:
+    bool HoldsRectangle() const { return m_rectangleTop <= m_rectangleBottom; }
+    // Stores a footprint held as one rectangle in the grid, row by row. The footprint does not
+    // change, so neither does the object as its users see it.
+    void Expand() const;
     void Changed() {
         if (m_watch) m_watch->raised = true;
     }
@@ -210,7 +239,8 @@ private:
     void ReleaseRows();
 
     long long m_id = 0;
-    std::string m_stringId;
+    // Few objects carry a string ID: it is held apart, null while empty.
+    std::unique_ptr<std::string> m_stringId;
     int m_state = kNotAdded;
     std::shared_ptr<kxac::ChangeSignal> m_watch;
 };

@@ -129,8 +129,15 @@ void CAvoidObject::DrawCellRectangle(double minX, double minY, double maxX, doub
     const long long bottom =
         std::min<long long>(static_cast<long long>(maxY / kSubpixels) - 1, height() - 1LL);
     if (left > right || top > bottom) return;
-    // A fresh grid takes exactly the rows of the rectangle.
-    if (IsEmpty()) RLERows::reserve(static_cast<size_t>(bottom - top + 1));
+    if (!HasRuns()) {
+        // A fresh footprint holds the rectangle as it is.
+        Changed();
+        m_rectangleRun = RLE(static_cast<int>(left), static_cast<int>(right));
+        m_rectangleTop = static_cast<int>(top);
+        m_rectangleBottom = static_cast<int>(bottom);
+        m_regularity = Regularity::kUnknown;
+        return;
+    }
     for (long long row = top; row <= bottom; ++row) {
         AddRLE(static_cast<int>(row), static_cast<int>(left), static_cast<int>(right));
     }
@@ -158,9 +165,9 @@ bool CAvoidObject::NoteFullRows(int firstRow, int lastRow, bool untilGap) {
             row = std::prev(next)->second;  // the rest of a known band
             continue;
         }
-        const RLERowRuns* runs = RowRuns(row);
-        if (runs == nullptr || runs->size() != 1 || runs->front().start > 0 ||
-            runs->front().end < lastColumn) {
+        const auto runs = Runs(row);
+        if (runs.second - runs.first != 1 || runs.first->start > 0 ||
+            runs.first->end < lastColumn) {
             all = false;
             if (untilGap) break;
             continue;

@@ -55,6 +55,23 @@ public:
         }
         return (words[w1] & Mask(0, last & 63)) != 0;
     }
+    // Whether any cell of columns first .. last in rows top .. bottom, all covered, is set.
+    bool Any(long long top, long long bottom, long long first, long long last) const {
+        assert(top > bottom || Covers(first, top, last, bottom));
+        const long long w0 = first >> 6, w1 = last >> 6;
+        const uint64_t head = Mask(first & 63, w0 == w1 ? last & 63 : 63);
+        const uint64_t tail = Mask(0, last & 63);
+        const uint64_t* words = Row(top);
+        for (long long row = top; row <= bottom; ++row, words += m_stride) {
+            if ((words[w0] & head) != 0) return true;
+            if (w0 == w1) continue;
+            for (long long w = w0 + 1; w < w1; ++w) {
+                if (words[w] != 0) return true;
+            }
+            if ((words[w1] & tail) != 0) return true;
+        }
+        return false;
+    }
     // Frees every cell.
     void Clear();
 

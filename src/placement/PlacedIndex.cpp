@@ -191,17 +191,16 @@ bool CPlacedIndex::Collide(const Entry& e, const Query& q) const {
     // Without boxes the entry's bounds are its run extent at its offset.
     if (e.bounds.IsDisjoin(q.runs)) return false;
     const Box area = e.bounds.Intersect(q.runs);
-    const CRLEIndexQuery& grid = q.obj->Grid();
     const RLE* ends = m_runs.data() + e.firstRun;
     const RLE* runs = ends + e.rowCount;
     for (int y = area.top; y <= area.bottom; ++y) {
         const long long row = static_cast<long long>(y) - e.offset.y - e.startRow;
         if (row < 0 || row >= e.rowCount) continue;
-        const RLERowRuns* other = grid.RowRuns(y - q.offset.y);
-        if (other == nullptr) continue;
+        const auto other = q.obj->Runs(y - q.offset.y);
+        if (other.first == other.second) continue;
         const kxac::RowSpan own(runs + (row == 0 ? 0 : ends[row - 1].start),
                                 runs + ends[row].start);
-        if (kxac::RowsMeet(own, e.offset.x, kxac::RowSpan(*other), q.offset.x, area.left,
+        if (kxac::RowsMeet(own, e.offset.x, {other.first, other.second}, q.offset.x, area.left,
                            area.right)) {
             return true;
         }
@@ -213,10 +212,11 @@ namespace {
 
 // The occupied cells of obj's rows within its run extent r at its offset, clipped to the
 // columns [left, right] and rows [top, bottom]: calls visit(row, first, last) for each interval
-// until it returns true.
-template <typename Visit>
+// until it returns true. A footprint held as one rectangle goes to visitRows(top, bottom, first,
+// last) at once, with the same cells in every row.
+template <typename Visit, typename VisitRows>
 bool ForEachCell(const CAvoidObject& obj, long long left, long long top, long long right,
-                 long long bottom, Visit visit) {
+                 long long bottom, Visit visit, VisitRows visitRows) {
     const Box r = obj.RLEMaxExtent();
     const Location offset = obj.Offset();
     left = std::max<long long>(left, r.left);
@@ -224,11 +224,18 @@ bool ForEachCell(const CAvoidObject& obj, long long left, long long top, long lo
     top = std::max<long long>(top, r.top);
     bottom = std::min<long long>(bottom, r.bottom);
     if (left > right) return false;
-    const CRLEIndexQuery& grid = obj.Grid();
+    Box cells;
+    if (obj.HeldRectangle(cells)) {
+        left = std::max<long long>(left, static_cast<long long>(cells.left) + offset.x);
+        right = std::min<long long>(right, static_cast<long long>(cells.right) + offset.x);
+        top = std::max<long long>(top, static_cast<long long>(cells.top) + offset.y);
+        bottom = std::min<long long>(bottom, static_cast<long long>(cells.bottom) + offset.y);
+        return left <= right && top <= bottom && visitRows(top, bottom, left, right);
+    }
     for (long long y = top; y <= bottom; ++y) {
-        const RLERowRuns* runs = grid.RowRuns(static_cast<int>(y - offset.y));
-        if (runs == nullptr) continue;
-        kxac::RowCells cells(kxac::RowSpan(*runs), offset.x, left);
+        const auto runs = obj.Runs(static_cast<int>(y - offset.y));
+        if (runs.first == runs.second) continue;
+        kxac::RowCells cells({runs.first, runs.second}, offset.x, left);
         long long lo = 0, hi = 0;
         while (cells.Next(lo, hi) && lo <= right) {
             lo = std::max(lo, left);
@@ -242,17 +249,26 @@ bool ForEachCell(const CAvoidObject& obj, long long left, long long top, long lo
 }  // namespace
 
 void CPlacedIndex::Draw(const CAvoidObject& obj) {
-    ForEachCell(obj, LLONG_MIN, LLONG_MIN, LLONG_MAX, LLONG_MAX,
-                [this](long long y, long long lo, long long hi) {
-                    m_occupancy.Set(y, lo, hi);
-                    return false;
-                });
+    ForEachCell(
+        obj, LLONG_MIN, LLONG_MIN, LLONG_MAX, LLONG_MAX,
+        [this](long long y, long long lo, long long hi) {
+            m_occupancy.Set(y, lo, hi);
+            return false;
+        },
+        [this](long long top, long long bottom, long long lo, long long hi) {
+            for (long long y = top; y <= bottom; ++y)
+                m_occupancy.Set(y, lo, hi);
+            return false;
+        });
 }
 
 bool CPlacedIndex::HitsDrawn(const CAvoidObject& obj) const {
     return ForEachCell(
         obj, 0, 0, m_occupancy.Columns() - 1, m_occupancy.Rows() - 1,
-        [this](long long y, long long lo, long long hi) { return m_occupancy.Any(y, lo, hi); });
+        [this](long long y, long long lo, long long hi) { return m_occupancy.Any(y, lo, hi); },
+        [this](long long top, long long bottom, long long lo, long long hi) {
+            return m_occupancy.Any(top, bottom, lo, hi);
+        });
 }
 
 bool CPlacedIndex::Collides(CAvoidObject* obj) {

@@ -1,14 +1,17 @@
-// The JNI discipline of the natives and their holders, checked against a recording stand-in for
-// the virtual machine: which arrays are pinned, with which release mode and in which order, and
-// that no null array or string ever reaches a JNI function. Behaviour seen from Java is covered by
-// the JUnit suite of the Java module.
+// The natives against a recording stand-in for the virtual machine: what each one fetches and
+// releases, in which order and with which mode; that no null array ever reaches a JNI function;
+// and that a pass through the natives gives the answers of the C++ API. Strings, and the loading
+// of the library, are tested from Java against a real virtual machine.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
-#include <memory>
+#include <list>
 #include <new>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "binding/JINInterface.h"
@@ -21,48 +24,41 @@ struct FakeArray {
     std::vector<jint> ints;
     std::vector<jdouble> doubles;
     std::vector<jlong> longs;
-    std::size_t Size() const { return ints.size() + doubles.size() + longs.size(); }
 };
 
-// The member of a FakeArray that holds elements of type T.
-template <class T>
-using ArrayField = std::vector<T> FakeArray::*;
-
-struct FakeString {
-    std::string utf;
-};
-
-// A JNIEnv whose functions record their calls. Elements are handed out as fresh copies of exactly
-// the array's length, so a read past the end is seen by the address sanitizer and changes reach
-// the array only through a release with mode 0.
+// A JNIEnv whose functions log their calls ("length NAME", "get NAME", "release NAME abort" or
+// "commit"). Elements are handed out as fresh copies of the array, so a read past the end or a
+// copy never released is seen by the address sanitizer, and changes reach the array only through
+// a release with mode 0. It has no string functions: a native that asks for a string's bytes
+// crashes the test, as one that hands it a null array does.
 struct FakeJvm {
     JNIEnv env{};  // first member: a JNIEnv* leads back to its FakeJvm
     JNINativeInterface_ table{};
-    std::vector<std::string> calls;
+    std::string calls;  // ", "-separated
     std::deque<FakeArray> arrays;
-    std::deque<FakeString> strings;
-    int pinned = 0;
     bool failFetch = false;
-    std::string throwOnLengthOf;
-    std::string thrown;
+    std::string throwOnLengthOf, thrown;
 
     FakeJvm() {
         env.functions = &table;
-        table.GetArrayLength = &GetArrayLength;
-        table.GetIntArrayElements = &GetElements<jint, jintArray, &FakeArray::ints>;
-        table.GetDoubleArrayElements = &GetElements<jdouble, jdoubleArray, &FakeArray::doubles>;
-        table.GetLongArrayElements = &GetElements<jlong, jlongArray, &FakeArray::longs>;
-        table.ReleaseIntArrayElements = &ReleaseElements<jint, jintArray, &FakeArray::ints>;
-        table.ReleaseDoubleArrayElements =
-            &ReleaseElements<jdouble, jdoubleArray, &FakeArray::doubles>;
-        table.ReleaseLongArrayElements = &ReleaseElements<jlong, jlongArray, &FakeArray::longs>;
-        table.NewIntArray = &NewArray<jintArray, &FakeArray::ints>;
-        table.NewLongArray = &NewArray<jlongArray, &FakeArray::longs>;
-        table.GetStringUTFChars = &GetStringUTFChars;
-        table.ReleaseStringUTFChars = &ReleaseStringUTFChars;
-        table.ExceptionCheck = [](JNIEnv* e) -> jboolean {
-            return Of(e).thrown.empty() ? JNI_FALSE : JNI_TRUE;
+        table.GetArrayLength = [](JNIEnv* e, jarray a) -> jsize {
+            Of(e).Call("length " + Of(a).name);
+            if (Of(a).name == Of(e).throwOnLengthOf) throw std::bad_alloc();
+            return static_cast<jsize>(Of(a).ints.size() + Of(a).doubles.size());
         };
+        table.GetIntArrayElements = &Get<jint, jintArray, &FakeArray::ints>;
+        table.GetDoubleArrayElements = &Get<jdouble, jdoubleArray, &FakeArray::doubles>;
+        table.GetLongArrayElements = &Get<jlong, jlongArray, &FakeArray::longs>;
+        table.ReleaseIntArrayElements = &Release<jint, jintArray, &FakeArray::ints>;
+        table.ReleaseDoubleArrayElements = &Release<jdouble, jdoubleArray, &FakeArray::doubles>;
+        table.ReleaseLongArrayElements = &Release<jlong, jlongArray, &FakeArray::longs>;
+        table.NewIntArray = [](JNIEnv* e, jsize n) {
+            return Of(e).Ints("new", std::vector<jint>(n));
+        };
+        table.NewLongArray = [](JNIEnv* e, jsize n) {
+            return Of(e).Array<jlongArray>({"new", {}, {}, std::vector<jlong>(n)});
+        };
+        table.ExceptionCheck = [](JNIEnv*) -> jboolean { return JNI_FALSE; };
         table.FindClass = [](JNIEnv*, const char* name) {
             return reinterpret_cast<jclass>(const_cast<char*>(name));
         };
@@ -71,8 +67,6 @@ struct FakeJvm {
             return 0;
         };
     }
-    FakeJvm(const FakeJvm&) = delete;
-    FakeJvm& operator=(const FakeJvm&) = delete;
 
     static FakeJvm& Of(JNIEnv* e) { return *reinterpret_cast<FakeJvm*>(e); }
     static FakeArray& Of(jarray a) { return *reinterpret_cast<FakeArray*>(a); }
@@ -83,260 +77,199 @@ struct FakeJvm {
         return reinterpret_cast<A>(&arrays.back());
     }
     jintArray Ints(const std::string& name, std::vector<jint> v) {
-        return Array<jintArray>({name, std::move(v), {}, {}});
+        return Array<jintArray>({name, v, {}, {}});
     }
-    jdoubleArray Doubles(const std::string& name, std::vector<jdouble> v) {
-        return Array<jdoubleArray>({name, {}, std::move(v), {}});
-    }
-    jstring String(const std::string& utf) {
-        strings.push_back({utf});
-        return reinterpret_cast<jstring>(&strings.back());
-    }
+    jdoubleArray Doubles(std::vector<jdouble> v) { return Array<jdoubleArray>({"map", {}, v, {}}); }
+    void Call(const std::string& call) { calls += (calls.empty() ? "" : ", ") + call; }
+    std::string Log() { return std::exchange(calls, ""); }
 
-    static jsize JNICALL GetArrayLength(JNIEnv* e, jarray a) {
-        EXPECT_NE(a, nullptr) << "GetArrayLength on a null array";
-        FakeJvm& jvm = Of(e);
-        jvm.calls.push_back("length " + Of(a).name);
-        if (Of(a).name == jvm.throwOnLengthOf) throw std::bad_alloc();
-        return static_cast<jsize>(Of(a).Size());
-    }
-    template <class T, class A, ArrayField<T> field>
-    static T* JNICALL GetElements(JNIEnv* e, A a, jboolean*) {
-        EXPECT_NE(a, nullptr) << "elements of a null array";
-        FakeJvm& jvm = Of(e);
-        jvm.calls.push_back("get " + Of(a).name);
-        if (jvm.failFetch) return nullptr;
+    template <class T, class A, std::vector<T> FakeArray::* field>
+    static T* JNICALL Get(JNIEnv* e, A a, jboolean*) {
+        Of(e).Call("get " + Of(a).name);
+        if (Of(e).failFetch) return nullptr;
         const std::vector<T>& v = Of(a).*field;
         T* copy = new T[v.size() + (v.empty() ? 1 : 0)];
         std::copy(v.begin(), v.end(), copy);
-        ++jvm.pinned;
         return copy;
     }
-    template <class T, class A, ArrayField<T> field>
-    static void JNICALL ReleaseElements(JNIEnv* e, A a, T* elements, jint mode) {
-        EXPECT_NE(a, nullptr) << "release of a null array";
-        FakeJvm& jvm = Of(e);
-        jvm.calls.push_back("release " + Of(a).name + (mode == JNI_ABORT ? " abort" : " commit"));
+    template <class T, class A, std::vector<T> FakeArray::* field>
+    static void JNICALL Release(JNIEnv* e, A a, T* elements, jint mode) {
+        Of(e).Call("release " + Of(a).name + (mode == JNI_ABORT ? " abort" : " commit"));
         std::vector<T>& v = Of(a).*field;
         if (mode != JNI_ABORT) std::copy(elements, elements + v.size(), v.begin());
-        if (mode != JNI_COMMIT) {
-            delete[] elements;
-            --jvm.pinned;
-        }
-    }
-    template <class A, auto field>
-    static A JNICALL NewArray(JNIEnv* e, jsize n) {
-        FakeArray a{"new", {}, {}, {}};
-        (a.*field).resize(static_cast<std::size_t>(n));
-        return Of(e).Array<A>(std::move(a));
-    }
-    static const char* JNICALL GetStringUTFChars(JNIEnv* e, jstring s, jboolean*) {
-        EXPECT_NE(s, nullptr) << "bytes of a null string";
-        FakeJvm& jvm = Of(e);
-        jvm.calls.push_back("get string");
-        if (jvm.failFetch) return nullptr;
-        ++jvm.pinned;
-        const std::string& utf = reinterpret_cast<FakeString*>(s)->utf;
-        char* copy = new char[utf.size() + 1];
-        std::copy(utf.c_str(), utf.c_str() + utf.size() + 1, copy);
-        return copy;
-    }
-    static void JNICALL ReleaseStringUTFChars(JNIEnv* e, jstring s, const char* bytes) {
-        EXPECT_NE(s, nullptr) << "release of a null string";
-        Of(e).calls.push_back("release string");
-        --Of(e).pinned;
-        delete[] bytes;
+        delete[] elements;
     }
 };
 
 #define NATIVE(name) Java_com_tavrint_core_util_index_grid_CAvoidContainerWrap_##name
+#define CALL(name, ...) NATIVE(name)(&t.jvm.env, nullptr, __VA_ARGS__)
 
-CAvoidContainer* Container(jlong handle) {
-    return reinterpret_cast<CPriorityAvoidContainer*>(static_cast<std::uintptr_t>(handle));
+template <class T = CAvoidObject>
+T* At(jlong handle) {
+    return reinterpret_cast<T*>(static_cast<std::uintptr_t>(handle));
 }
-CAvoidObject* Object(jlong handle) {
-    return reinterpret_cast<CAvoidObject*>(static_cast<std::uintptr_t>(handle));
-}
+CPriorityAvoidContainer* Container(jlong handle) { return At<CPriorityAvoidContainer>(handle); }
+std::string S(jlong v) { return std::to_string(v); }
+std::string S(const void* p) { return p == nullptr ? "null" : "array"; }
+std::string S(std::string s) { return s; }
 
-// A container on a 100 x 100 canvas at the origin, destroyed with the fixture.
-class NativesTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        c = NATIVE(CreateAvoidContainer)(&jvm.env, nullptr);
-        ASSERT_NE(c, 0);
-        NATIVE(AvoidContainerExtent)
-        (&jvm.env, nullptr, c, jvm.Ints("rect", {0, 0, 100, 100}), nullptr);
-        jvm.calls.clear();
-    }
-    void TearDown() override {
-        EXPECT_TRUE(NATIVE(DestroyAvoidContainer)(&jvm.env, nullptr, c));
-        EXPECT_EQ(jvm.pinned, 0) << "elements left pinned";
-    }
-
+// A container on a 100 x 100 canvas with one object handed out, covering the cells (0..9, 0..9),
+// destroyed with the fixture.
+struct Pass {
     FakeJvm jvm;
-    jlong c = 0;
+    jlong c = NATIVE(CreateAvoidContainer)(&jvm.env, nullptr);
+    jlong obj = (FitDeviceRect(*Container(c)->DT(), 0, 0, 100, 100),
+                 NATIVE(CreateAvoidObject)(&jvm.env, nullptr, c));
+
+    Pass() {
+        int square[] = {0, 0, 10, 0, 10, 10, 0, 10};
+        At(obj)->AddRing(square, 8);
+    }
+    ~Pass() {
+        NATIVE(DestroyAvoidObject)(&jvm.env, nullptr, obj);  // handed out, never added: not owned
+        EXPECT_TRUE(NATIVE(DestroyAvoidContainer)(&jvm.env, nullptr, c));
+    }
+
+    std::string Extent() const {
+        const Box e = At(obj)->RLEMaxExtent();
+        return S(e.left) + " " + S(e.top) + " " + S(e.right) + " " + S(e.bottom);
+    }
+    std::string Canvas() const {
+        const CDT& dt = *Container(c)->DT();
+        return S(dt.width) + "x" + S(dt.height) + " at " + std::to_string(dt.resolution) +
+               " from " + std::to_string(dt.minX);
+    }
 };
 
-using Calls = std::vector<std::string>;
+struct Case {
+    const char* what;
+    std::string (*call)(Pass&);
+    std::string result, log;
+};
+#define VAL(expr, result) {#expr, [](Pass& t) { return S(expr); }, result, ""}
+#define VOID(expr) {#expr, [](Pass& t) { return (expr), std::string(); }, "", ""}
+#define ROW(what, result, log, ...) {what, [](Pass& t) { return (__VA_ARGS__); }, result, log}
 
 }  // namespace
 
-TEST(JavaArray, CommitCopiesChangesBackAndAbortDropsThem) {
-    FakeJvm jvm;
-    jintArray kept = jvm.Ints("kept", {1, 2});
-    jintArray dropped = jvm.Ints("dropped", {1, 2});
-    {
-        CJavaArray<int> unused(&jvm.env, jvm.Ints("unused", {1}), true);
-        CJavaArray<double> none(&jvm.env, nullptr, false);
-        EXPECT_EQ(none.Length(), 0);
-        EXPECT_EQ(none.Elements(), nullptr);
-        CJavaArray<int> commit(&jvm.env, kept, true);
-        CJavaArray<int> abort(&jvm.env, dropped, false);
-        commit.Elements()[0] = 7;
-        abort.Elements()[0] = 7;
-        EXPECT_EQ(commit.Elements(), commit.Elements()) << "elements are fetched once";
+// Each native on null handles, and those that take arrays or strings on null ones: each returns
+// its null result (0, false or a null array) and makes no JNI call.
+TEST(Natives, NullHandlesAndNullArraysReachNoJniFunction) {
+    const Case kCases[] = {
+        VAL(CALL(DestroyAvoidContainer, 0), "0"),
+        VOID(CALL(AvoidContainerExtent, 0, t.jvm.Ints("rect", {0, 0, 9, 9}), nullptr)),
+        VOID(CALL(AvoidContainerExtent, t.c, nullptr, nullptr)),
+        VOID((CALL(ResetAvoidContainer, 0), CALL(DestroyAvoidObject, 0))),
+        VAL(CALL(CreateAvoidObject, 0), "0"),
+        VOID((CALL(RecycleAvoidObject, 0, t.obj), CALL(RecycleAvoidObject, t.c, 0))),
+        VAL(CALL(AddAvoidObject, 0, t.obj) + 2 * CALL(AddAvoidObject, t.c, 0), "0"),
+        VAL(CALL(AddAvoidObjectForce, 0, t.obj) + 2 * CALL(AddAvoidObjectForce, t.c, 0), "0"),
+        VAL(S(CALL(AllPlacedObject, 0)) + S(CALL(AllPlacedObject, t.c)), "nullnull"),
+        VAL(CALL(AllUnPlacedObject, 0), "null"),
+        VOID((CALL(AvoidObject_1Reset, 0), CALL(AvoidObject_1SetID, 0, 5))),
+        VAL(CALL(AvoidObject_1PlacedState, 0) + 2 * CALL(AvoidObject_1GetID, 0), "0"),
+        VOID(CALL(AvoidObject_1SetStringID, 0, nullptr)),
+        VOID(CALL(AvoidObject_1SetStringID, t.obj, nullptr)),
+        VAL(CALL(AvoidObject_1GetStringID, 0), "null"),
+        VAL(CALL(AvoidObject_1Offset, 0), "null"),
+        VOID((CALL(AvoidObject_1ClearOffset, 0), CALL(AvoidObject_1AddBox, 0, 0, 0, 9, 9))),
+        VOID(CALL(AvoidObject_1AddLines, 0, t.jvm.Ints("line", {0, 0, 9, 9}), 1)),
+        VOID(CALL(AvoidObject_1AddLines, t.obj, nullptr, 1)),
+        VOID(CALL(AvoidObject_1AddRing, 0, t.jvm.Ints("ring", {0, 0, 9, 0, 9, 9}))),
+        VOID(CALL(AvoidObject_1AddRing, t.obj, nullptr)),
+        VOID(CALL(AvoidObject_1AddOffset, 0, 1, 1)),
+    };
+    for (const Case& k : kCases) {
+        SCOPED_TRACE(k.what);
+        Pass t;
+        EXPECT_EQ(k.call(t) + t.jvm.Log(), k.result) << "no JNI call";
     }
-    EXPECT_EQ(FakeJvm::Of(kept).ints, (std::vector<jint>{7, 2}));
-    EXPECT_EQ(FakeJvm::Of(dropped).ints, (std::vector<jint>{1, 2}));
-    EXPECT_EQ(jvm.calls,
-              (Calls{"get kept", "get dropped", "release dropped abort", "release kept commit"}));
 }
 
-TEST(JavaArray, FailedFetchIsNotReleased) {
-    FakeJvm jvm;
-    jvm.failFetch = true;
-    {
-        CJavaArray<int> held(&jvm.env, jvm.Ints("a", {1}), true);
-        EXPECT_EQ(held.Elements(), nullptr);
+// Short, odd-length and unreadable arguments: what is fetched and released, in which order and
+// mode, and what the native made of them. A C++ exception becomes a pending Java error, with the
+// arrays held so far released.
+TEST(Natives, ShortOddAndUnreadableArguments) {
+    const Case kCases[] = {
+        ROW("a new container is zero-filled", "100x100 at 0.000000 from 0.000000", "", t.Canvas()),
+        ROW("short rect", "100x100 at 2.000000 from 0.000000",
+            "length rect, length map, get map, release map abort",
+            CALL(AvoidContainerExtent, t.c, t.jvm.Ints("rect", {0, 0, 10}),
+                 t.jvm.Doubles({0, 0, 200, 100})),
+            t.Canvas()),
+        ROW("map extent released first", "100x50 at 20.000000 from -500.000000",
+            "length rect, get rect, length map, get map, release map abort, release rect abort",
+            CALL(AvoidContainerExtent, t.c, t.jvm.Ints("rect", {0, 0, 100, 50, 9}),
+                 t.jvm.Doubles({0, 0, 1000, 1000})),
+            t.Canvas()),
+        ROW("odd line", "0 0 29 9", "length line, get line, release line abort",
+            CALL(AvoidObject_1AddLines, t.obj, t.jvm.Ints("line", {20, 5, 30, 5, 77}), 1),
+            t.Extent()),
+        ROW("odd ring", "0 0 9 9", "length ring, get ring, release ring abort",
+            CALL(AvoidObject_1AddRing, t.obj, t.jvm.Ints("ring", {0, 0, 10, 0, 10, 10, 0, 10, 99})),
+            t.Extent()),
+        ROW("unreadable ring", "0 0 9 9", "length ring, get ring", t.jvm.failFetch = true,
+            CALL(AvoidObject_1AddRing, t.obj, t.jvm.Ints("ring", {20, 20, 30, 20, 30, 30})),
+            t.Extent()),
+        ROW("exception", "java/lang/OutOfMemoryError",
+            "length rect, get rect, length map, release rect abort", t.jvm.throwOnLengthOf = "map",
+            CALL(AvoidContainerExtent, t.c, t.jvm.Ints("rect", {0, 0, 9, 9}),
+                 t.jvm.Doubles({0, 0, 1, 1})),
+            t.jvm.thrown),
+    };
+    for (const Case& k : kCases) {
+        SCOPED_TRACE(k.what);
+        Pass t;
+        EXPECT_EQ(k.call(t), k.result);
+        EXPECT_EQ(t.jvm.Log(), k.log);
     }
-    EXPECT_EQ(jvm.calls, (Calls{"get a"}));
 }
 
-TEST(JavaUTFString, FetchesAtOnceAndReleasesOnlyWhatWasFetched) {
-    FakeJvm jvm;
-    {
-        CJavaUTFString held(&jvm.env, jvm.String("ab"));
-        EXPECT_STREQ(held.Bytes(), "ab");
-        CJavaUTFString none(&jvm.env, nullptr);
+// A seeded pass of triangles and L-shaped lines with offsets, some forced, through the natives
+// and through the C++ API side by side: the same result lists, each object with the
+// same state and offset.
+TEST(Natives, PassGivesTheAnswersOfTheCppApi) {
+    Pass t;
+    CPriorityAvoidContainer ref;
+    FitDeviceRect(*ref.DT(), 0, 0, 100, 100);
+    std::mt19937 rng(13);
+    auto r = [&rng](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    for (int i = 1; i <= 300; ++i) {
+        const jlong obj = CALL(CreateAvoidObject, t.c);
+        CAvoidObject* o = ref.NewObject();
+        CALL(AvoidObject_1SetID, obj, i), o->ID(i);
+        const int x = r(95), y = r(95), s = 1 + r(15), width = r(4);  // width 0: a ring
+        std::vector<jint> p = {x, y, x + s, y, x + s, y + s};
+        if (!width) CALL(AvoidObject_1AddRing, obj, t.jvm.Ints("p", p)), o->AddRing(p.data(), 6);
+        if (width)
+            CALL(AvoidObject_1AddLines, obj, t.jvm.Ints("p", p), width),
+                o->AddLine(p.data(), 6, width);
+        for (int k = r(4); k > 0; --k) {
+            const Location at(r(41) - 20, r(41) - 20);
+            CALL(AvoidObject_1AddOffset, obj, at.x, at.y), o->OffsetCollection().push_back(at);
+        }
+        if (r(10) == 0) CALL(AvoidObject_1ClearOffset, obj), o->ClearOffset();
+        const bool force = r(10) == 0;
+        const auto add = force ? NATIVE(AddAvoidObjectForce) : NATIVE(AddAvoidObject);
+        EXPECT_EQ(add(&t.jvm.env, nullptr, t.c, obj), ref.Add(o, force));
     }
-    EXPECT_EQ(jvm.calls, (Calls{"get string", "release string"}));
-    jvm.failFetch = true;
-    {
-        CJavaUTFString failed(&jvm.env, jvm.String("x"));
-        EXPECT_EQ(failed.Bytes(), nullptr);
-    }
-    EXPECT_EQ(jvm.calls.back(), "get string");
-    EXPECT_EQ(jvm.calls.size(), 3u);
-}
-
-TEST_F(NativesTest, CreatedContainerStartsAtResolutionZero) {
-    FakeJvm other;
-    const jlong fresh = NATIVE(CreateAvoidContainer)(&other.env, nullptr);
-    ASSERT_NE(fresh, 0);
-    EXPECT_EQ(Container(fresh)->DT()->resolution, 0.0);
-    EXPECT_TRUE(NATIVE(DestroyAvoidContainer)(&other.env, nullptr, fresh));
-}
-
-TEST_F(NativesTest, ExtentReleasesMapExtentBeforeDeviceRect) {
-    NATIVE(AvoidContainerExtent)
-    (&jvm.env, nullptr, c, jvm.Ints("rect", {0, 0, 100, 50, 99}),
-     jvm.Doubles("extent", {0, 0, 1000, 1000}));
-    EXPECT_EQ(jvm.calls, (Calls{"length rect", "get rect", "length extent", "get extent",
-                                "release extent abort", "release rect abort"}));
-    const CDT& dt = *Container(c)->DT();
-    EXPECT_EQ(dt.width, 100);
-    EXPECT_EQ(dt.height, 50);
-    EXPECT_EQ(dt.resolution, 20.0);
-    EXPECT_EQ(dt.minX, -500.0);
-    EXPECT_EQ(dt.maxX, 1500.0);
-}
-
-TEST_F(NativesTest, ExtentSkipsShortAndNullArraysWithoutFetching) {
-    NATIVE(AvoidContainerExtent)
-    (&jvm.env, nullptr, c, jvm.Ints("rect", {0, 0, 10}), jvm.Doubles("extent", {0, 0, 200, 100}));
-    EXPECT_EQ(jvm.calls,
-              (Calls{"length rect", "length extent", "get extent", "release extent abort"}));
-    EXPECT_EQ(Container(c)->DT()->width, 100) << "a short rect leaves the device rectangle";
-    EXPECT_EQ(Container(c)->DT()->resolution, 2.0);
-
-    jvm.calls.clear();
-    NATIVE(AvoidContainerExtent)(&jvm.env, nullptr, c, nullptr, nullptr);
-    NATIVE(AvoidContainerExtent)(&jvm.env, nullptr, 0, jvm.Ints("rect", {1, 2, 3, 4}), nullptr);
-    EXPECT_TRUE(jvm.calls.empty());
-}
-
-TEST_F(NativesTest, ExceptionBecomesJavaErrorAndHeldArraysAreReleased) {
-    jvm.throwOnLengthOf = "extent";
-    NATIVE(AvoidContainerExtent)
-    (&jvm.env, nullptr, c, jvm.Ints("rect", {0, 0, 100, 100}), jvm.Doubles("extent", {0, 0, 1, 1}));
-    EXPECT_EQ(jvm.thrown, "java/lang/OutOfMemoryError");
-    EXPECT_EQ(jvm.calls.back(), "release rect abort");
-}
-
-TEST_F(NativesTest, ResultListsReachJavaThroughCommittedRelease) {
-    EXPECT_EQ(NATIVE(AllPlacedObject)(&jvm.env, nullptr, c), nullptr);
-    std::vector<jlong> added;
-    for (int i = 0; i < 3; ++i) {
-        added.push_back(NATIVE(CreateAvoidObject)(&jvm.env, nullptr, c));
-        NATIVE(AddAvoidObjectForce)(&jvm.env, nullptr, c, added.back());
-    }
-    jlongArray placed = NATIVE(AllPlacedObject)(&jvm.env, nullptr, c);
-    ASSERT_NE(placed, nullptr);
-    EXPECT_EQ(FakeJvm::Of(placed).longs, added);
-    EXPECT_EQ(jvm.calls.back(), "release new commit");
-    EXPECT_EQ(NATIVE(AllUnPlacedObject)(&jvm.env, nullptr, c), nullptr);
-}
-
-TEST_F(NativesTest, NullCoordinatesOnlyRecordTheRunExtent) {
-    const jlong obj = NATIVE(CreateAvoidObject)(&jvm.env, nullptr, c);
-    NATIVE(AvoidObject_1AddLines)(&jvm.env, nullptr, obj, jvm.Ints("line", {0, 5, 10, 5}), 1);
-    jvm.calls.clear();
-    NATIVE(AvoidObject_1AddLines)(&jvm.env, nullptr, obj, nullptr, 1);
-    NATIVE(AvoidObject_1AddRing)(&jvm.env, nullptr, obj, nullptr);
-    EXPECT_TRUE(jvm.calls.empty());
-    EXPECT_EQ(Object(obj)->RLEMaxExtent(), Box(0, 4, 9, 5));
-    NATIVE(DestroyAvoidObject)(&jvm.env, nullptr, obj);
-}
-
-TEST_F(NativesTest, StringIdFromNullOrUnreadableStringIsEmpty) {
-    const jlong obj = NATIVE(CreateAvoidObject)(&jvm.env, nullptr, c);
-    NATIVE(AvoidObject_1SetStringID)(&jvm.env, nullptr, obj, jvm.String("ab"));
-    EXPECT_EQ(Object(obj)->StringID(), "ab");
-    NATIVE(AvoidObject_1SetStringID)(&jvm.env, nullptr, obj, nullptr);
-    EXPECT_EQ(Object(obj)->StringID(), "");
-    NATIVE(AvoidObject_1SetStringID)(&jvm.env, nullptr, obj, jvm.String("ab"));
-    jvm.failFetch = true;
-    NATIVE(AvoidObject_1SetStringID)(&jvm.env, nullptr, obj, jvm.String("cd"));
-    EXPECT_EQ(Object(obj)->StringID(), "");
-    EXPECT_EQ(jvm.calls, (Calls{"get string", "release string", "get string", "release string",
-                                "get string"}));
-    NATIVE(DestroyAvoidObject)(&jvm.env, nullptr, obj);
-}
-
-// A virtual machine that offers environments up to a given JNI version.
-struct FakeVm {
-    JavaVM vm{};  // first member: a JavaVM* leads back to its FakeVm
-    JNIInvokeInterface_ table{};
-    FakeJvm jvm;
-    jint supported = JNI_VERSION_1_8;
-
-    FakeVm() {
-        vm.functions = &table;
-        table.GetEnv = [](JavaVM* v, void** env, jint version) -> jint {
-            FakeVm& self = *reinterpret_cast<FakeVm*>(v);
-            if (version > self.supported) return JNI_EVERSION;
-            *env = &self.jvm.env;
-            return JNI_OK;
-        };
-    }
-};
-
-TEST(JniOnLoad, NamesJni12AndRefusesAnOlderMachine) {
-    FakeVm vm;
-    EXPECT_EQ(JNI_OnLoad(&vm.vm, nullptr), JNI_VERSION_1_2);
-    vm.supported = JNI_VERSION_1_2;
-    EXPECT_EQ(JNI_OnLoad(&vm.vm, nullptr), JNI_VERSION_1_2);
-    vm.supported = JNI_VERSION_1_1;
-    EXPECT_EQ(JNI_OnLoad(&vm.vm, nullptr), JNI_ERR);
-    EXPECT_EQ(JNI_OnLoad(nullptr, nullptr), JNI_ERR);
+    auto viaNatives = [&t](jlongArray list) {
+        std::string out;
+        for (jlong h : FakeJvm::Of(list).longs) {
+            const std::vector<jint> at = FakeJvm::Of(CALL(AvoidObject_1Offset, h)).ints;
+            out += " " + S(CALL(AvoidObject_1GetID, h)) + ":" +
+                   S(CALL(AvoidObject_1PlacedState, h)) + "@" + S(at[0]) + "," + S(at[1]);
+        }
+        return out;
+    };
+    auto viaCpp = [](const std::list<CAvoidObject*>& list) {
+        std::string out;
+        for (const CAvoidObject* o : list)
+            out += " " + S(o->ID()) + ":" + S(o->PlacedState()) + "@" + S(o->Offset().x) + "," +
+                   S(o->Offset().x);
+        return out;
+    };
+    EXPECT_EQ(viaNatives(CALL(AllPlacedObject, t.c)), viaCpp(ref.PlacedObjects()));
+    EXPECT_EQ(viaNatives(CALL(AllUnPlacedObject, t.c)), viaCpp(ref.UnplacedObjects()));
+    EXPECT_GT(std::min(ref.PlacedObjects().size(), ref.UnplacedObjects().size()), 20u);
 }

@@ -12,7 +12,9 @@ import org.junit.jupiter.api.io.TempDir;
 
 /**
  * The README's Java snippets as a user copies them: each ```java block is a whole program that
- * must compile against the library and run, printing what the text after it says it prints.
+ * must compile against the library and run, printing what the text after it says it prints. Run
+ * with the library path property naming a missing file, the first one fails and names that file:
+ * the property overrides the library in the jar.
  */
 class ReadmeSnippetsTest {
     private static final Pattern BLOCK =
@@ -24,7 +26,6 @@ class ReadmeSnippetsTest {
         Matcher block = BLOCK.matcher(Files.readString(Path.of(System.getProperty("kxac.readme"))));
         int snippets = 0;
         while (block.find()) {
-            snippets++;
             Matcher cls = CLASS.matcher(block.group(1));
             assertTrue(cls.find(), "a snippet declares a public class:\n" + block.group(1));
             Path file = Files.writeString(dir.resolve(cls.group(1) + ".java"), block.group(1));
@@ -32,6 +33,11 @@ class ReadmeSnippetsTest {
             assertEquals(0, run.exitCode(), run.output());
             String says = block.group(2) != null ? block.group(2) : "";
             assertTrue(run.output().contains(says), cls.group(1) + " printed " + run.output());
+            if (snippets++ > 0) continue;
+            Path missing = dir.resolve("missing.so");
+            run = ChildJvm.run("-D" + NativeLibrary.PATH_PROPERTY + "=" + missing, file.toString());
+            assertTrue(run.exitCode() != 0 && run.output().contains("UnsatisfiedLinkError")
+                    && run.output().contains(missing.toString()), run.output());
         }
         assertTrue(snippets > 0, "the README shows Java");
     }
