@@ -15,8 +15,9 @@ a sample of 150 mutants takes an hour or more on two cores.
     python3 tools/mutate.py --build build/mutate --mutants 150 --seed 13
 
 With --only PREFIX it takes only mutants of the sources whose path starts with PREFIX (e.g.
-src/index), the same seed shuffling that smaller pool. With --recheck REPORT it tests only the survivors of an earlier report against today's sources
-and tests (each found by its original line), to see which of them later tests kill.
+src/index), shuffled by the same seed. With --recheck REPORT it tests only the survivors of an
+earlier report against today's sources and tests (each found by its original line), to see which
+of them later tests kill.
 """
 
 import argparse
