@@ -1,8 +1,12 @@
+// A run, a row of runs and its edits: the merge and erase rules by example, random edits against
+// a set of cells, and the row's run vector against std::vector.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <random>
 #include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -12,7 +16,8 @@ namespace {
 using Runs = std::vector<std::pair<int, int>>;
 enum class Op { AddCell, AddSpan, EraseCell, EraseSpan };
 
-Runs RunsOf(const RLERowRuns& row) {
+template <class Row>
+Runs RunsOf(const Row& row) {
     Runs out;
     for (const RLE& r : row)
         out.emplace_back(r.start, r.end);
@@ -29,6 +34,13 @@ Runs RunsOf(const std::set<int>& cells) {
         }
     }
     return out;
+}
+
+RLERowRuns RowOf(const Runs& runs) {
+    RLERowRuns row;
+    for (const auto& r : runs)
+        row.emplace_back(r.first, r.second);
+    return row;
 }
 
 struct RowCase {
@@ -95,24 +107,20 @@ const RowCase kRowCases[] = {
 
 TEST(RleRow, EditsFollowTheMergeAndEraseRules) {
     for (const RowCase& c : kRowCases) {
-        RLERows rows(1);
-        for (const auto& r : c.before)
-            rows[0].emplace_back(r.first, r.second);
+        SCOPED_TRACE("case " + std::to_string(&c - kRowCases));
+        RLERows rows = {RowOf(c.before)};
         CRLERow row(rows.begin(), rows.end());
         const bool result = c.op == Op::AddCell     ? row.Add(c.a)
                             : c.op == Op::AddSpan   ? row.Add(c.a, c.b)
                             : c.op == Op::EraseCell ? row.Erase(c.a)
                                                     : row.Erase(c.a, c.b);
-        const int line = static_cast<int>(&c - kRowCases);
-        EXPECT_EQ(RunsOf(rows[0]), c.after) << "case " << line;
-        EXPECT_EQ(result, c.result) << "case " << line;
+        EXPECT_EQ(RunsOf(rows[0]), c.after);
+        EXPECT_EQ(result, c.result);
     }
 }
 
 TEST(RleRow, FindRunReturnsRunAtOrNextToCellElseRunAfterGap) {
-    RLERowRuns v;
-    for (const auto& r : kFour)
-        v.emplace_back(r.first, r.second);
+    RLERowRuns v = RowOf(kFour);
     const int expected[][2] = {{-5, 0}, {3, 0}, {5, 1}, {9, 1}, {13, 1}, {15, 2}, {25, 3}, {99, 3}};
     for (const auto& e : expected)
         EXPECT_EQ(CRLERow::FindRLE(v.begin(), v.end() - 1, e[0]) - v.begin(), e[1]) << e[0];
@@ -126,35 +134,32 @@ TEST(RleRow, RandomCellEditsMatchSetOfCells) {
     std::uniform_int_distribution<int> cell(-40, 40);
     std::bernoulli_distribution add(0.6);
     for (int round = 0; round < 200; ++round) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
         RLERows rows(1);
         CRLERow row(rows.begin(), rows.end());
         std::set<int> model;
         for (int step = 0; step < 150; ++step) {
             const int x = cell(gen);
             if (add(gen)) {
-                ASSERT_TRUE(row.Add(x)) << "seed " << seed;
+                ASSERT_TRUE(row.Add(x));
                 model.insert(x);
             } else {
                 const bool near = model.count(x - 1) || model.count(x) || model.count(x + 1);
-                ASSERT_EQ(row.Erase(x), near || model.empty()) << "seed " << seed << " x " << x;
+                ASSERT_EQ(row.Erase(x), near || model.empty()) << "x " << x;
                 model.erase(x);
             }
-            ASSERT_EQ(RunsOf(rows[0]), RunsOf(model)) << "seed " << seed << " round " << round;
+            ASSERT_EQ(RunsOf(rows[0]), RunsOf(model));
         }
         for (int x = -42; x <= 42; ++x)
-            ASSERT_EQ(row.IsExist(x), model.count(x) == 1) << "seed " << seed << " x " << x;
+            ASSERT_EQ(row.IsExist(x), model.count(x) == 1) << "x " << x;
     }
 }
 
-TEST(RleRun, LengthWrapsAndPackingPutsStartLow) {
+TEST(RleRun, LengthPackingCompareConnectAndTouchStayExactAtIntegerLimits) {
     EXPECT_EQ(RLE(5, 3).Length(), -1);
     EXPECT_EQ(RLE(INT_MIN, INT_MAX).Length(), 0);
     const RLE packed(static_cast<long long>((7ULL << 32) | 2ULL));
-    EXPECT_EQ(packed.start, 2);
-    EXPECT_EQ(packed.end, 7);
-}
-
-TEST(RleRun, CompareConnectAndTouchStayExactAtIntegerLimits) {
+    EXPECT_EQ(RunsOf(std::vector<RLE>{packed}), (Runs{{2, 7}}));
     const RLE r(3, 6);
     const int expected[][2] = {{1, -2}, {2, -1}, {4, 0}, {7, 1}, {9, 3}};
     for (const auto& e : expected) {
@@ -177,4 +182,63 @@ TEST(RleRun, CompareConnectAndTouchStayExactAtIntegerLimits) {
     RLE low(INT_MIN, 0);
     low.Union(INT_MAX);
     EXPECT_EQ(low.end, 0);
+}
+
+// The row's run vector keeps one run inside itself and moves to a block beyond that: random
+// edits against std::vector, across that boundary and back, with copies, moves and swaps.
+TEST(RleRowRuns, RandomEditsMatchStdVector) {
+    std::mt19937 rng(3);
+    const auto uniform = [&](int lo, int hi) {
+        return std::uniform_int_distribution<int>(lo, hi)(rng);
+    };
+    RLERowRuns runs, other;
+    std::vector<RLE> model, otherModel;
+    for (int step = 0; step < 20000; ++step) {
+        const RLE run(uniform(-50, 50), uniform(-50, 50));
+        const int n = static_cast<int>(model.size());
+        const int i = uniform(0, n), j = uniform(0, n), last = std::max(0, std::min(i, n - 1));
+        const auto both = [&](auto edit) {
+            edit(runs);
+            edit(model);
+        };
+        switch (uniform(0, 9)) {
+            case 0:
+            case 1:
+                both([&](auto& v) { v.insert(v.begin() + i, run); });
+                break;
+            case 2:  // an element of the vector itself, inserted into it
+                if (n > 0) both([&](auto& v) { v.insert(v.begin() + i, v[last]); });
+                break;
+            case 3:
+            case 4:
+                both([&](auto& v) {
+                    v.erase(v.begin() + std::min(i, j), v.begin() + std::max(i, j));
+                });
+                break;
+            case 5:
+                both([&](auto& v) { v.push_back(run); });
+                break;
+            case 6:
+                both([&](auto& v) { i == 0 ? v.clear() : v.assign(1, run); });
+                break;
+            case 7:
+                runs.swap(other);
+                model.swap(otherModel);
+                break;
+            case 8: {  // exchanged through a copy and a move
+                RLERowRuns copy(runs);
+                RLERowRuns moved(std::move(other));
+                other = copy;
+                runs = std::move(moved);
+                std::swap(model, otherModel);
+                break;
+            }
+            default:
+                if (n > 0) both([&](auto& v) { v.erase(v.begin() + last); });
+                break;
+        }
+        ASSERT_EQ(RunsOf(runs), RunsOf(model)) << "step " << step;
+        ASSERT_EQ(RunsOf(other), RunsOf(otherModel)) << "step " << step;
+        ASSERT_GE(runs.capacity(), runs.size());
+    }
 }
