@@ -1,4 +1,5 @@
-// Grid levels, their cursors and the multi-level index.
+// Runs, rows and their edits (the merge and erase rules by example, random edits against a set
+// of cells, the row's run vector against std::vector), grid levels, cursors and the index.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,15 +14,99 @@
 
 namespace {
 using Runs = std::vector<std::pair<int, int>>;
+enum class Op { AddCell, AddSpan, EraseCell, EraseSpan };
+
+template <class Row>
+Runs RunsOf(const Row& row) {
+    Runs out;
+    for (const RLE& r : row)
+        out.emplace_back(r.start, r.end);
+    return out;
+}
+
+Runs RunsOf(const std::set<int>& cells) {
+    Runs out;
+    for (int c : cells) {
+        if (!out.empty() && out.back().second + 1LL == c) {
+            out.back().second = c;
+        } else {
+            out.emplace_back(c, c);
+        }
+    }
+    return out;
+}
+
+RLERowRuns RowOf(const Runs& runs) {
+    RLERowRuns row;
+    for (const auto& r : runs)
+        row.emplace_back(r.first, r.second);
+    return row;
+}
+
+struct RowCase {
+    Runs before;
+    Op op;
+    int a, b;
+    Runs after;
+    bool result;
+};
+
+const Runs kFour = {{0, 2}, {10, 12}, {20, 22}, {30, 32}};
+const Runs kFive = {{0, 2}, {10, 12}, {20, 22}, {30, 32}, {40, 42}};
+
+// Each row is edited in a vector of rows of its own, as a grid level holds it.
+const RowCase kRowCases[] = {
+    // A cell joins the runs beside it, filling a one-cell gap, or becomes a run.
+    {{{0, 2}, {4, 6}}, Op::AddCell, 3, 0, {{0, 6}}, true},
+    {{{5, 6}, {10, 12}}, Op::AddCell, 8, 0, {{5, 6}, {8, 8}, {10, 12}}, true},
+    {{{5, 6}, {10, 12}}, Op::AddCell, 13, 0, {{5, 6}, {10, 13}}, true},
+    {{{5, 6}}, Op::AddCell, 0, 0, {{0, 0}, {5, 6}}, true},
+    {{{5, 6}}, Op::AddCell, 4, 0, {{4, 6}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddCell, 9, 0, {{9, 12}, {20, 22}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddCell, 23, 0, {{10, 12}, {20, 23}}, true},
+    {{}, Op::AddCell, 4, 0, {{4, 4}}, true},
+    // A span widens the run it starts in; abutting runs stay apart.
+    {{{0, 2}, {4, 6}}, Op::AddSpan, 1, 3, {{0, 3}, {4, 6}}, true},
+    {{{0, 2}, {4, 6}}, Op::AddSpan, 7, 3, {{0, 2}, {3, 7}}, true},
+    {{{0, 5}, {10, 12}}, Op::AddSpan, 6, 8, {{0, 8}, {10, 12}}, true},
+    // A span ending next to the first run, or starting next to the last, joins it.
+    {{{10, 12}, {20, 22}}, Op::AddSpan, 5, 9, {{5, 12}, {20, 22}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddSpan, 9, 8, {{8, 12}, {20, 22}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddSpan, 30, 23, {{10, 12}, {20, 30}}, true},
+    // From a gap past the next run, cells between are lost; the reached run keeps its bounds.
+    {kFour, Op::AddSpan, 25, 5, {{0, 2}, {10, 12}, {30, 32}}, true},
+    {kFour, Op::AddSpan, 5, 29, {{0, 2}, {10, 12}, {30, 32}}, true},
+    // The low run is widened, never the high one.
+    {{{0, 2}, {10, 12}, {30, 32}}, Op::AddSpan, 5, 11, {{0, 2}, {5, 12}, {30, 32}}, true},
+    {kFive, Op::AddSpan, 11, 31, {{0, 2}, {10, 32}, {40, 42}}, true},
+    {kFive, Op::AddSpan, 11, 35, {{0, 2}, {10, 35}, {40, 42}}, true},
+    // In a gap or beyond the edges a span is inserted.
+    {kFour, Op::AddSpan, 5, 7, {{0, 2}, {5, 7}, {10, 12}, {20, 22}, {30, 32}}, true},
+    {kFour, Op::AddSpan, 16, 15, {{0, 2}, {10, 12}, {15, 16}, {20, 22}, {30, 32}}, true},
+    {{{10, 12}}, Op::AddSpan, 0, 5, {{0, 5}, {10, 12}}, true},
+    {{{10, 12}}, Op::AddSpan, 30, 40, {{10, 12}, {30, 40}}, true},
+    {{{10, 12}, {30, 40}}, Op::AddSpan, 41, 45, {{10, 12}, {30, 45}}, true},
+    {kFour, Op::AddSpan, -1, 50, {{-1, 50}}, true},
+    // Erasing a cell splits, trims or removes a run; beside a run or in an empty row it is true.
+    {{{0, 10}}, Op::EraseCell, 4, 0, {{0, 3}, {5, 10}}, true},
+    {{{0, 0}}, Op::EraseCell, 0, 0, {}, true},
+    {{{0, 10}}, Op::EraseCell, 11, 0, {{0, 10}}, true},
+    {{{0, 10}}, Op::EraseCell, 20, 0, {{0, 10}}, false},
+    {{}, Op::EraseCell, 20, 0, {}, true},
+    {{{INT_MAX - 1, INT_MAX}}, Op::EraseCell, INT_MAX, 0, {{INT_MAX - 1, INT_MAX - 1}}, true},
+    {{{INT_MAX, INT_MAX}}, Op::EraseCell, INT_MAX, 0, {}, true},
+    {{{INT_MIN, INT_MIN}}, Op::EraseCell, INT_MIN, 0, {}, true},
+    // A span erase cuts at both ends, compacts away the runs ending inside, then drops exactly
+    // one run past the kept ones: k matched runs leave k - 1 copies of the tail.
+    {{{0, 2}, {8, 10}}, Op::EraseSpan, 4, 6, {{0, 2}}, true},
+    {{{0, 2}, {4, 5}, {7, 8}, {10, 12}}, Op::EraseSpan, 3, 9, {{0, 2}, {10, 12}, {10, 12}}, true},
+    {{{0, 10}, {20, 30}}, Op::EraseSpan, 25, 5, {{0, 4}, {26, 30}, {26, 30}}, true},
+    {{{0, 2}, {4, 5}, {90, 100}}, Op::EraseSpan, 0, 100, {}, true},
+};
 using Cells = std::vector<std::vector<int>>;
 
 Runs RowOf(const CRLEIndexQuery& grid, int row) {
-    Runs out;
-    if (const RLERowRuns* runs = grid.RowRuns(row)) {
-        for (const RLE& r : *runs)
-            out.emplace_back(r.start, r.end);
-    }
-    return out;
+    return grid.RowRuns(row) ? RunsOf(*grid.RowRuns(row)) : Runs{};
 }
 
 // Range's answer followed by its four outputs.
@@ -63,6 +148,144 @@ private:
     int* m_destroyed;
 };
 }  // namespace
+
+TEST(RleRow, EditsFollowTheMergeAndEraseRules) {
+    for (const RowCase& c : kRowCases) {
+        SCOPED_TRACE("case " + std::to_string(&c - kRowCases));
+        RLERows rows = {RowOf(c.before)};
+        CRLERow row(rows.begin(), rows.end());
+        const bool result = c.op == Op::AddCell     ? row.Add(c.a)
+                            : c.op == Op::AddSpan   ? row.Add(c.a, c.b)
+                            : c.op == Op::EraseCell ? row.Erase(c.a)
+                                                    : row.Erase(c.a, c.b);
+        EXPECT_EQ(RunsOf(rows[0]), c.after);
+        EXPECT_EQ(result, c.result);
+    }
+}
+
+TEST(RleRow, FindRunReturnsRunAtOrNextToCellElseRunAfterGap) {
+    RLERowRuns v = RowOf(kFour);
+    const int expected[][2] = {{-5, 0}, {3, 0}, {5, 1}, {9, 1}, {13, 1}, {15, 2}, {25, 3}, {99, 3}};
+    for (const auto& e : expected)
+        EXPECT_EQ(CRLERow::FindRLE(v.begin(), v.end() - 1, e[0]) - v.begin(), e[1]) << e[0];
+    EXPECT_FALSE(CRLERow::Insert(v.begin(), v.end() - 1, 11));
+    EXPECT_FALSE(CRLERow::Insert(v.begin(), v.end() - 1, 15));
+}
+
+TEST(RleRow, RandomCellEditsMatchSetOfCells) {
+    const unsigned seed = 23;
+    std::mt19937 gen(seed);
+    std::uniform_int_distribution<int> cell(-40, 40);
+    std::bernoulli_distribution add(0.6);
+    for (int round = 0; round < 200; ++round) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
+        RLERows rows(1);
+        CRLERow row(rows.begin(), rows.end());
+        std::set<int> model;
+        for (int step = 0; step < 150; ++step) {
+            const int x = cell(gen);
+            if (add(gen)) {
+                ASSERT_TRUE(row.Add(x));
+                model.insert(x);
+            } else {
+                const bool near = model.count(x - 1) || model.count(x) || model.count(x + 1);
+                ASSERT_EQ(row.Erase(x), near || model.empty()) << "x " << x;
+                model.erase(x);
+            }
+            ASSERT_EQ(RunsOf(rows[0]), RunsOf(model));
+        }
+        for (int x = -42; x <= 42; ++x)
+            ASSERT_EQ(row.IsExist(x), model.count(x) == 1) << "x " << x;
+    }
+}
+
+TEST(RleRun, LengthPackingCompareConnectAndTouchStayExactAtIntegerLimits) {
+    EXPECT_EQ(RLE(5, 3).Length(), -1);
+    EXPECT_EQ(RLE(INT_MIN, INT_MAX).Length(), 0);
+    const RLE packed(static_cast<long long>((7ULL << 32) | 2ULL));
+    EXPECT_EQ(RunsOf(std::vector<RLE>{packed}), (Runs{{2, 7}}));
+    const RLE r(3, 6);
+    const int expected[][2] = {{1, -2}, {2, -1}, {4, 0}, {7, 1}, {9, 3}};
+    for (const auto& e : expected) {
+        EXPECT_EQ(r.Compare(e[0]), e[1]) << "x " << e[0];
+        // A run is below the cells after it and above the cells before it, neither for its own.
+        EXPECT_EQ(r < e[0], e[1] > 0) << "x " << e[0];
+        EXPECT_EQ(r > e[0], e[1] < 0) << "x " << e[0];
+    }
+    EXPECT_LT(RLE(INT_MAX, INT_MAX).Compare(INT_MIN), 0);
+    EXPECT_GT(RLE(INT_MIN, INT_MIN).Compare(INT_MAX), 0);
+    EXPECT_FALSE(RLE(INT_MIN, INT_MIN).IsConnect(INT_MAX));
+    EXPECT_FALSE(RLE(INT_MIN, 0).IsConnect(RLE(5, INT_MAX)));
+    EXPECT_TRUE(r.IsConnect(RLE(7, 9)));
+    EXPECT_FALSE(r.IsConnect(RLE(6, 9)));
+    EXPECT_FALSE(r.IsTouch(RLE(0, 10)));
+    EXPECT_TRUE(r.IsTouch(RLE(0, 4)));
+    EXPECT_FALSE(r == RLE(0, 10));
+    EXPECT_FALSE(CFindRLE(RLE(3, 9))(RLE(0, 20)));
+    EXPECT_TRUE(CFindRLE(RLE(3, 9))(RLE(9, 20)));
+    RLE low(INT_MIN, 0);
+    low.Union(INT_MAX);
+    EXPECT_EQ(low.end, 0);
+}
+
+// The row's run vector keeps one run inside itself and moves to a block beyond that: random
+// edits against std::vector, across that boundary and back, with copies, moves and swaps.
+TEST(RleRowRuns, RandomEditsMatchStdVector) {
+    std::mt19937 rng(3);
+    const auto uniform = [&](int lo, int hi) {
+        return std::uniform_int_distribution<int>(lo, hi)(rng);
+    };
+    RLERowRuns runs, other;
+    std::vector<RLE> model, otherModel;
+    for (int step = 0; step < 20000; ++step) {
+        const RLE run(uniform(-50, 50), uniform(-50, 50));
+        const int n = static_cast<int>(model.size());
+        const int i = uniform(0, n), j = uniform(0, n), last = std::max(0, std::min(i, n - 1));
+        const auto both = [&](auto edit) {
+            edit(runs);
+            edit(model);
+        };
+        switch (uniform(0, 9)) {
+            case 0:
+            case 1:
+                both([&](auto& v) { v.insert(v.begin() + i, run); });
+                break;
+            case 2:  // an element of the vector itself, inserted into it
+                if (n > 0) both([&](auto& v) { v.insert(v.begin() + i, v[last]); });
+                break;
+            case 3:
+            case 4:
+                both([&](auto& v) {
+                    v.erase(v.begin() + std::min(i, j), v.begin() + std::max(i, j));
+                });
+                break;
+            case 5:
+                both([&](auto& v) { v.push_back(run); });
+                break;
+            case 6:
+                both([&](auto& v) { i == 0 ? v.clear() : v.assign(1, run); });
+                break;
+            case 7:
+                runs.swap(other);
+                model.swap(otherModel);
+                break;
+            case 8: {  // exchanged through a copy and a move
+                RLERowRuns copy(runs);
+                RLERowRuns moved(std::move(other));
+                other = copy;
+                runs = std::move(moved);
+                std::swap(model, otherModel);
+                break;
+            }
+            default:
+                if (n > 0) both([&](auto& v) { v.erase(v.begin() + last); });
+                break;
+        }
+        ASSERT_EQ(RunsOf(runs), RunsOf(model)) << "step " << step;
+        ASSERT_EQ(RunsOf(other), RunsOf(otherModel)) << "step " << step;
+        ASSERT_GE(runs.capacity(), runs.size());
+    }
+}
 
 TEST(RleGrid, EmptyGridGrowsBandBothWaysOnlyWhenAsked) {
     CRLEIndexQuery grid;
