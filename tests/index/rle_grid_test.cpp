@@ -6,6 +6,7 @@
 #include <climits>
 #include <random>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -284,6 +285,12 @@ TEST(RleRowRuns, RandomEditsMatchStdVector) {
         ASSERT_EQ(RunsOf(runs), RunsOf(model)) << "step " << step;
         ASSERT_EQ(RunsOf(other), RunsOf(otherModel)) << "step " << step;
         ASSERT_GE(runs.capacity(), runs.size());
+    }
+    try {
+        runs.reserve(SIZE_MAX);
+        ADD_FAILURE() << "reserve beyond the largest row accepted";
+    } catch (const std::length_error& e) {
+        EXPECT_STREQ(e.what(), "vector::reserve");
     }
 }
 
