@@ -14,8 +14,10 @@ a sample of 150 mutants takes an hour or more on two cores.
 
     python3 tools/mutate.py --build build/mutate --mutants 150 --seed 13
 
-With --recheck REPORT it tests only the survivors of an earlier report against today's sources
-and tests (each found by its original line), to see which of them later tests kill.
+With --only PREFIX it takes only mutants of the sources whose path starts with PREFIX (e.g.
+src/index), shuffled by the same seed. With --recheck REPORT it tests only the survivors of an
+earlier report against today's sources and tests (each found by its original line), to see which
+of them later tests kill.
 """
 
 import argparse
@@ -164,6 +166,9 @@ def main():
     ap.add_argument("--recheck", metavar="REPORT",
                     help="test only the survivors listed in an earlier report, found in today's "
                          "sources by their original line, against today's tests")
+    ap.add_argument("--only", metavar="PREFIX",
+                    help="take only mutants of sources whose path starts with PREFIX "
+                         "(e.g. src/index)")
     args = ap.parse_args()
 
     repo = Path(__file__).resolve().parent.parent
@@ -198,14 +203,15 @@ def main():
         pool = survivors_of(Path(args.recheck).read_text(), tree)
         args.mutants = len(pool)
         print(f"mutate: rechecking {len(pool)} survivors of {args.recheck}", flush=True)
-    for rel in [] if args.recheck else sources(tree):
+    files = [f for f in sources(tree) if not args.only or f.startswith(args.only)]
+    for rel in [] if args.recheck else files:
         lines = (tree / rel).read_text().splitlines(keepends=True)
         # Mutants that change only comments or spacing are not mutants of the code.
         pool += [(rel, line, text) for line, text in generate(mutate, tree, rel, cache)
                  if code_of(text) != code_of(lines[line - 1])]
     if not args.recheck:
         random.Random(args.seed).shuffle(pool)
-    print(f"mutate: {len(pool)} mutants of {len(sources(tree))} files, seed {args.seed}, "
+    print(f"mutate: {len(pool)} mutants of {len(files)} files, seed {args.seed}, "
           f"taking the first {args.mutants} that compile", flush=True)
 
     killed, survivors, not_compiling, compiled = 0, [], 0, 0

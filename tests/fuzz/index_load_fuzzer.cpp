@@ -18,28 +18,6 @@ std::vector<unsigned char> SaveAll(const CRLEIndex& index) {
     block.resize(static_cast<size_t>(written));
     return block;
 }
-
-// Spans taken from each level's own runs, applied to rows inside its band so that the band
-// does not grow.
-void EditLevels(CRLEIndex& index) {
-    for (int i = 0; i < index.LevelCount(); ++i) {
-        auto* level = dynamic_cast<CRLEIndexCreate*>(index.LevelAt(i));
-        if (level == nullptr || level->IsEmpty()) continue;
-        const int row = level->StartRow();
-        const RLERowRuns* runs = level->RowRuns(row);
-        const int a = runs->empty() ? 0 : runs->front().start;
-        const int b = runs->empty() ? 0 : runs->back().end;
-        level->Add(row, a, b);
-        level->Erase(row, b);
-        level->Add(row, a);
-        level->Erase(row, a, b);
-        level->Add(row, b, a);
-        level->IsExist(row, a);
-        level->Count();
-        level->StartCol();
-        level->EndCol();
-    }
-}
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -48,22 +26,35 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     try {
         index.Load(data, static_cast<int>(size));
     } catch (const std::length_error&) {
-        // A negative row or run count: refused with the standard length error.
-        return 0;
+        return 0;  // a negative row or run count: refused with the standard length error
     }
     const std::vector<unsigned char> saved = SaveAll(index);
     CRLEIndex again;
-    if (again.Load(saved.data(), static_cast<int>(saved.size())) !=
-        static_cast<int>(saved.size())) {
+    if (again.Load(saved.data(), static_cast<int>(saved.size())) != static_cast<int>(saved.size()))
         std::abort();
-    }
     if (SaveAll(again) != saved) std::abort();
-
     CRLEIndexCursor cursor(&index);
     int level = 0, row = 0, col = 0;
     for (int steps = 0; steps < 4096 && cursor.Next(&level, &row, &col); ++steps) {
         if (index.LevelIndex(level) == nullptr) std::abort();
     }
-    EditLevels(index);
+    // Spans taken from each level's first row, inside its band so that the band does not grow.
+    for (int i = 0; i < index.LevelCount(); ++i) {
+        auto* grid = dynamic_cast<CRLEIndexCreate*>(index.LevelAt(i));
+        if (grid == nullptr || grid->IsEmpty()) continue;
+        const int r = grid->StartRow();
+        const RLERowRuns* runs = grid->RowRuns(r);
+        const int a = runs->empty() ? 0 : runs->front().start,
+                  b = runs->empty() ? 0 : runs->back().end;
+        grid->Add(r, a, b);
+        grid->Erase(r, b);
+        grid->Add(r, a);
+        grid->Erase(r, a, b);
+        grid->Add(r, b, a);
+        grid->IsExist(r, a);
+        grid->Count();
+        grid->StartCol();
+        grid->EndCol();
+    }
     return 0;
 }

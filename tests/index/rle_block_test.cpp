@@ -1,3 +1,5 @@
+// The big-endian block of an index and of its levels: golden bytes, random round trips through
+// memory and files, and what the loaders refuse.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -34,10 +36,12 @@ Bytes Cat(std::initializer_list<Bytes> parts) {
     return out;
 }
 
-const Bytes kHeader = {0x52, 0x4C, 0x45, 0x00, 0, 0, 0, 0};  // signature, no metadata
+const Bytes kSignature = {0x52, 0x4C, 0x45, 0x00};
+const Bytes kHeader = BE({0}, kSignature);  // no metadata
 // Level 2, start row 10: row 10 = [5, 7], row 11 empty.
-const Bytes kSmallLevel = {0, 0, 0, 0x24, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0x0A, 0, 0,
-                           0, 2, 0, 0,    0, 1, 0, 0, 0, 5, 0, 0, 0, 7, 0, 0,    0, 0};
+const Bytes kSmallLevel = BE({36, 0, 2, 10, 2, 1, 5, 7, 0});
+// A band reaching past the largest row.
+const Bytes kWrappingBand = BE({36, 0, 3, 0x7FFFFFFF, 2, 0, 1, 5, 7});
 
 CRLEIndexCreate* SmallLevel() {
     auto* grid = new CRLEIndexCreate();
@@ -73,8 +77,9 @@ std::vector<int> Dump(const CRLEIndexQuery& level) {
     }
     return out;
 }
+// The level range, then every level.
 std::vector<std::vector<int>> Dump(const CRLEIndex& index) {
-    std::vector<std::vector<int>> out;
+    std::vector<std::vector<int>> out = {{index.MinLevel(), index.MaxLevel()}};
     for (int i = 0; i < index.LevelCount(); ++i)
         out.push_back(Dump(*index.LevelAt(i)));
     return out;
@@ -103,8 +108,8 @@ void FillRandom(CRLEIndex& index, std::mt19937& gen) {
 
 // A file in the temporary directory, removed with the object.
 struct TempFile {
-    const std::string path =
-        (std::filesystem::temp_directory_path() / ("rleidx-" + std::to_string(getpid()))).string();
+    const std::string dir = std::filesystem::temp_directory_path().string();
+    const std::string path = dir + "/rleidx-" + std::to_string(getpid());
     ~TempFile() { std::remove(path.c_str()); }
     Bytes Read() const {
         std::ifstream in(path, std::ios::binary);
@@ -121,41 +126,29 @@ TEST(RleBlock, GoldenIndexAndLevelBytesBothWays) {
     CRLEIndex index;
     const Bytes meta = {0xAB, 0x00, 0x7F};
     index.Metadata(meta.data(), 3);
-    const Bytes header = Cat({BE({3}, {0x52, 0x4C, 0x45, 0x00}), meta});
+    const Bytes header = Cat({BE({3}, kSignature), meta});
     EXPECT_EQ(index.BlockLength(), 11);
     EXPECT_EQ(SaveIndex(index), header);
-    Bytes out(3);
-    EXPECT_EQ(index.Save(out.data(), 10), 0);  // no room for the metadata: nothing written
     CRLEIndex loaded;
     EXPECT_EQ(LoadExact(loaded, header), 11);
+    Bytes out(3);
     EXPECT_EQ(loaded.MetaData(out.data(), 3), 3);
     EXPECT_EQ(out, meta);
 
     std::unique_ptr<CRLEIndexCreate> level(SmallLevel());
     EXPECT_EQ(level->BlockLength(), 36);
     Bytes block(36);
-    EXPECT_EQ(level->Save(block.data(), 35), 0);
     EXPECT_EQ(level->Save(block.data(), 36), 36);
     EXPECT_EQ(block, kSmallLevel);
     CRLEIndexCreate back;
     EXPECT_EQ(LoadExact(back, kSmallLevel), 36);
     EXPECT_EQ(Dump(back), Dump(*level));
-    back.Clear();
-    back.Level(-3);
-    back.Add(-2, -7, -5);
-    EXPECT_EQ(back.Save(block.data(), 32), 32);
-    block.resize(32);
-    EXPECT_EQ(block, BE({32, 0, -3, -2, 1, 1, -7, -5}));
 }
 
-TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkipped) {
-    CRLEIndexCreate empty;
-    EXPECT_EQ(empty.BlockLength(), 20);
-    Bytes block(64, 0xEE);
-    EXPECT_EQ(empty.Save(block.data(), 64), 0);
-    EXPECT_EQ(block, Bytes(64, 0xEE));
+TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkippedAndShortCapacitiesWriteNothing) {
     CRLEIndex index;
     index.Append(new CRLEIndexCreate());
+    EXPECT_EQ(index.LevelAt(0)->BlockLength(), 20);
     EXPECT_EQ(index.BlockLength(), 28);
     EXPECT_EQ(SaveIndex(index), kHeader);
     // A level too long for the room left is skipped and the next one tried.
@@ -164,51 +157,51 @@ TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkipped) {
     big->Add(1, 5, 6);
     index.Append(big);
     index.Append(SmallLevel());
-    block.resize(8 + 36);
+    Bytes block(8 + 36);
     EXPECT_EQ(index.Save(block.data(), 8 + 36), 8 + 36);
     EXPECT_EQ(block, Cat({kHeader, kSmallLevel}));
-}
-
-TEST(RleBlock, NegativeCapacityWritesNothing) {
-    CRLEIndex index;
-    index.Append(SmallLevel());
+    // No room for the header or a level: nothing written, an empty level included.
     std::unique_ptr<CRLEIndexCreate> level(SmallLevel());
-    Bytes block(64, 0xEE);
-    for (int capacity : {-1, INT32_MIN}) {
-        EXPECT_EQ(index.Save(block.data(), capacity), 0);
-        EXPECT_EQ(level->Save(block.data(), capacity), 0);
+    CRLEIndex withMeta;
+    withMeta.Metadata(block.data(), 3);
+    const Bytes untouched(64, 0xEE);
+    block = untouched;
+    for (int capacity : {-1, INT32_MIN, 7}) {
+        EXPECT_EQ(index.Save(block.data(), capacity), 0) << capacity;
+        EXPECT_EQ(level->Save(block.data(), capacity), 0) << capacity;
     }
-    EXPECT_EQ(block, Bytes(64, 0xEE));
+    EXPECT_EQ(withMeta.Save(block.data(), 10), 0);
+    EXPECT_EQ(level->Save(block.data(), 35), 0);
+    EXPECT_EQ(index.LevelAt(0)->Save(block.data(), 64), 0);
+    EXPECT_EQ(block, untouched);
 }
 
 TEST(RleBlock, RandomIndexesRoundTripThroughMemoryAndFiles) {
     const unsigned seed = 13;
     std::mt19937 gen(seed);
     for (int round = 0; round < 200; ++round) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
         CRLEIndex index;
         FillRandom(index, gen);
         const Bytes block = SaveIndex(index);
-        ASSERT_EQ(static_cast<int>(block.size()), index.BlockLength()) << "seed " << seed;
+        ASSERT_EQ(static_cast<int>(block.size()), index.BlockLength());
         CRLEIndex loaded;
-        ASSERT_EQ(LoadExact(loaded, block), index.BlockLength()) << "seed " << seed;
-        EXPECT_EQ(Dump(loaded), Dump(index)) << "seed " << seed;
-        EXPECT_EQ(loaded.MinLevel(), index.MinLevel()) << "seed " << seed;
-        EXPECT_EQ(loaded.MaxLevel(), index.MaxLevel()) << "seed " << seed;
-        EXPECT_EQ(SaveIndex(loaded), block) << "seed " << seed;
+        ASSERT_EQ(LoadExact(loaded, block), index.BlockLength());
+        EXPECT_EQ(Dump(loaded), Dump(index));
+        EXPECT_EQ(SaveIndex(loaded), block);
         if (round % 10 != 0) continue;
         TempFile file;
         EXPECT_FALSE(index.Save(file.path.c_str()));  // never reports success
-        EXPECT_EQ(file.Read(), block) << "seed " << seed;
+        EXPECT_EQ(file.Read(), block);
         CRLEIndex fromFile;
-        EXPECT_TRUE(fromFile.Load(file.path.c_str())) << "seed " << seed;
-        EXPECT_EQ(Dump(fromFile), Dump(index)) << "seed " << seed;
+        EXPECT_TRUE(fromFile.Load(file.path.c_str()));
+        EXPECT_EQ(Dump(fromFile), Dump(index));
     }
 }
 
 TEST(RleBlock, TruncatedBlocksKeepWholeLevelsOnly) {
     CRLEIndex index;
-    const Bytes meta = {1, 2};
-    index.Metadata(meta.data(), 2);
+    index.Metadata(kSignature.data(), 2);
     index.Append(SmallLevel());
     auto* second = new CRLEIndexCreate();
     second->Add(-5, 3, 9);
@@ -230,105 +223,86 @@ TEST(RleBlock, TruncatedBlocksKeepWholeLevelsOnly) {
     }
 }
 
-TEST(RleBlock, LevelLoadRefusesBadLengthsAndCounts) {
-    Bytes longer = kSmallLevel;
-    longer[3] = 0x25;
-    // Level number and rows after the load: a refused length leaves level 9 with its one row.
+// Each block is loaded into level 9 holding the cell (9, 9): what is consumed, and the level
+// number, start row, rows and cells left; a negative count throws instead.
+TEST(RleBlock, LevelLoadRefusesBadLengthsCountsAndBands) {
     struct Refusal {
         Bytes bytes;
-        int consumed, level, rows;
+        int consumed, level, startRow, rows, cells;
+        bool throws;
     };
     const Refusal cases[] = {
-        {BE({20, 0, 1, 0, 0, 0}), 0, 9, 1},                    // length of 20
-        {longer, 0, 9, 1},                                     // length past the bytes
-        {BE({28, 0, 4, 3, 2, 0, 1, 4, 6}), 0, 4, 2},           // row 2 ends past the length
-        {BE({24, 0, 5, 0, 0x7FFFFFFF, 0}), 0, 5, 1},           // rows beyond the bytes
-        {BE({36, 0, 0, 7, 2, 1, 3, 3, 0x10000000}), 0, 0, 1},  // runs beyond the bytes
-        {Cat({BE({21, 0, 1, 4, 0}), {0}}), 21, 1, 0},          // no rows: whole length consumed
+        {BE({20, 0, 1, 0, 0, 0}), 0, 9, 9, 1, 1, false},            // length of 20
+        {BE({37, 0, 2, 10, 2, 1, 5, 7, 0}), 0, 9, 9, 1, 1, false},  // length past the bytes
+        {BE({28, 0, 4, 3, 2, 0, 1, 4, 6}), 0, 4, 3, 2, 3, false},   // row 2 ends past length
+        {BE({24, 0, 5, 0, 0x7FFFFFFF, 0}), 0, 5, 0, 1, 0, false},   // rows beyond the bytes
+        {BE({36, 0, 0, 7, 2, 1, 3, 3, 0x10000000}), 0, 0, 7, 1, 1, false},  // runs beyond the bytes
+        {Cat({BE({21, 0, 1, 4, 0}), {0}}), 21, 1, 4, 0, 0, false},          // no rows: all consumed
+        {kWrappingBand, 0, 9, 9, 1, 1, false},
+        {BE({24, 0, 0, 0, -1, 0}), 0, 0, 0, 0, 0, true},
+        {BE({24, 0, 0, 0, 1, -2}), 0, 0, 0, 0, 0, true},
     };
     for (const Refusal& c : cases) {
-        const int line = static_cast<int>(&c - cases);
+        SCOPED_TRACE("case " + std::to_string(&c - cases));
         CRLEIndexCreate level;
         level.Level(9);
         level.Add(9, 9);
-        EXPECT_EQ(LoadExact(level, c.bytes), c.consumed) << "case " << line;
-        EXPECT_EQ(level.Level(), c.level) << "case " << line;
-        EXPECT_EQ(level.RowCount(), c.rows) << "case " << line;
-    }
-    CRLEIndexCreate level;
-    LoadExact(level, cases[2].bytes);
-    EXPECT_TRUE(level.IsExist(4, 5));
-    LoadExact(level, cases[5].bytes);
-    EXPECT_EQ(level.StartRow(), 4);
-    // Within an index a refused level ends the load after the levels before it.
-    CRLEIndex index;
-    EXPECT_EQ(LoadExact(index, Cat({kHeader, longer})), 8);
-    EXPECT_EQ(index.LevelCount(), 0);
-    EXPECT_EQ(LoadExact(index, Cat({kHeader, kSmallLevel, cases[2].bytes})), 44);
-    EXPECT_EQ(index.LevelCount(), 1);
-    EXPECT_EQ(index.MinLevel(), 2);
-    EXPECT_EQ(index.MaxLevel(), 2);
-}
-
-TEST(RleBlock, NegativeCountsThrowLengthError) {
-    for (const Bytes& bad : {BE({24, 0, 0, 0, -1, 0}), BE({24, 0, 0, 0, 1, -2})}) {
-        CRLEIndexCreate level;
         try {
-            LoadExact(level, bad);
-            ADD_FAILURE() << "negative count accepted";
+            EXPECT_EQ(LoadExact(level, c.bytes), c.consumed);
+            EXPECT_FALSE(c.throws);
+            EXPECT_EQ((std::vector<int>{level.Level(), level.StartRow(), level.RowCount(),
+                                        level.Count()}),
+                      (std::vector<int>{c.level, c.startRow, c.rows, c.cells}));
         } catch (const std::length_error& e) {
+            EXPECT_TRUE(c.throws);
             EXPECT_STREQ(e.what(), "vector::reserve");
         }
     }
 }
 
-TEST(RleBlock, WrongSignatureOrImpossibleMetadataKeepsMetadata) {
+TEST(RleBlock, IndexLoadStopsAtRefusedLevelAndKeepsMetadataOnBadHeader) {
+    // A refused level ends the load after the levels before it.
     CRLEIndex index;
+    EXPECT_EQ(LoadExact(index, Cat({kHeader, BE({37}), kSmallLevel})), 8);
+    EXPECT_EQ(index.LevelCount(), 0);
+    EXPECT_EQ(LoadExact(index, Cat({kHeader, kSmallLevel, BE({28, 0, 4, 3, 2, 0, 1, 4, 6})})), 44);
+    EXPECT_EQ(index.LevelCount(), 1);
+    EXPECT_EQ(index.MinLevel() * 10 + index.MaxLevel(), 22);
+    // A wrong signature, or a metadata length the block cannot hold: nothing read.
     const Bytes meta = {5, 6};
     index.Metadata(meta.data(), 2);
-    index.Append(SmallLevel());
     Bytes block = SaveIndex(index);
     block[2] = 0x46;
     EXPECT_EQ(LoadExact(index, block), 0);
-    EXPECT_EQ(index.LevelCount(), 0);
-    EXPECT_EQ(index.MinLevel(), 999);
+    EXPECT_EQ(Dump(index), (std::vector<std::vector<int>>{{999, -999}}));
     EXPECT_EQ(index.MetaData(nullptr, 0), 2);
     for (long long m : {-1LL, -8LL, -2147483648LL, 3LL, 2147483647LL}) {
-        EXPECT_EQ(LoadExact(index, BE({m, 0}, {0x52, 0x4C, 0x45, 0x00}), 10), 0) << "M " << m;
+        EXPECT_EQ(LoadExact(index, BE({m, 0}, kSignature), 10), 0) << "M " << m;
         EXPECT_EQ(index.MetaData(nullptr, 0), 2) << "M " << m;
     }
-}
-
-TEST(RleBlock, ShortOrMissingFilesGiveFalse) {
-    CRLEIndex index;
+    // Files too short to hold a level are not read; missing files and folders give false.
     index.Append(SmallLevel());
     TempFile file;
     file.Write(Bytes(19, 0));
     EXPECT_FALSE(index.Load(file.path.c_str()));
-    EXPECT_EQ(index.LevelCount(), 1);  // not read at all
+    EXPECT_EQ(index.LevelCount(), 1);
     file.Write(Cat({kHeader, BE({0, 0, 0})}));
     EXPECT_FALSE(index.Load(file.path.c_str()));
     EXPECT_EQ(index.LevelCount(), 0);
-    const std::string dir = std::filesystem::temp_directory_path().string();
-    EXPECT_FALSE(index.Load((dir + "/rleidx-missing").c_str()));
-    EXPECT_FALSE(index.Save((dir + "/rleidx-missing/x").c_str()));
+    EXPECT_FALSE(index.Load((file.dir + "/rleidx-missing").c_str()));
+    EXPECT_FALSE(index.Save((file.dir + "/rleidx-missing/x").c_str()));
 }
 
 // A band reaching past the largest row once loaded: its cursor listed cells that IsExist denied,
-// and a later Add asked for tens of gigabytes.
+// and a later Add asked for tens of gigabytes. One row less is the largest band there is.
 TEST(RleBlock, LevelWhoseBandWrapsPastTheLargestRowIsRefused) {
     CRLEIndexCreate level;
-    level.Level(9);
-    level.Add(9, 9);
-    EXPECT_EQ(LoadExact(level, BE({36, 0, 3, 0x7FFFFFFF, 2, 0, 1, 5, 7})), 0);
-    EXPECT_EQ(level.Level(), 9);
-    EXPECT_EQ(level.RowCount(), 1);
-    EXPECT_EQ(LoadExact(level, BE({36, 0, 3, 0x7FFFFFFE, 2, 0, 1, 5, 7})), 36);
+    Bytes largest = kWrappingBand;
+    largest[15] = 0xFE;
+    EXPECT_EQ(LoadExact(level, largest), 36);
     EXPECT_EQ(level.EndRow(), 0x7FFFFFFF);
     EXPECT_TRUE(level.IsExist(0x7FFFFFFF, 6));
     CRLEIndex index;
-    EXPECT_EQ(
-        LoadExact(index, Cat({kHeader, kSmallLevel, BE({36, 0, 3, 0x7FFFFFFF, 2, 0, 1, 5, 7})})),
-        44);
+    EXPECT_EQ(LoadExact(index, Cat({kHeader, kSmallLevel, kWrappingBand})), 44);
     EXPECT_EQ(index.LevelCount(), 1);
 }

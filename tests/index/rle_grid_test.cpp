@@ -1,9 +1,13 @@
+// Runs, rows and their edits (the merge and erase rules by example, random edits against a set
+// of cells, the row's run vector against std::vector), grid levels, cursors and the index.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <climits>
 #include <random>
 #include <set>
+#include <stdexcept>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -11,14 +15,99 @@
 
 namespace {
 using Runs = std::vector<std::pair<int, int>>;
+enum class Op { AddCell, AddSpan, EraseCell, EraseSpan };
 
-Runs RowOf(const CRLEIndexQuery& grid, int row) {
+template <class Row>
+Runs RunsOf(const Row& row) {
     Runs out;
-    if (const RLERowRuns* runs = grid.RowRuns(row)) {
-        for (const RLE& r : *runs)
-            out.emplace_back(r.start, r.end);
+    for (const RLE& r : row)
+        out.emplace_back(r.start, r.end);
+    return out;
+}
+
+Runs RunsOf(const std::set<int>& cells) {
+    Runs out;
+    for (int c : cells) {
+        if (!out.empty() && out.back().second + 1LL == c) {
+            out.back().second = c;
+        } else {
+            out.emplace_back(c, c);
+        }
     }
     return out;
+}
+
+RLERowRuns RowOf(const Runs& runs) {
+    RLERowRuns row;
+    for (const auto& r : runs)
+        row.emplace_back(r.first, r.second);
+    return row;
+}
+
+struct RowCase {
+    Runs before;
+    Op op;
+    int a, b;
+    Runs after;
+    bool result;
+};
+
+const Runs kFour = {{0, 2}, {10, 12}, {20, 22}, {30, 32}};
+const Runs kFive = {{0, 2}, {10, 12}, {20, 22}, {30, 32}, {40, 42}};
+
+// Each row is edited in a vector of rows of its own, as a grid level holds it.
+const RowCase kRowCases[] = {
+    // A cell joins the runs beside it, filling a one-cell gap, or becomes a run.
+    {{{0, 2}, {4, 6}}, Op::AddCell, 3, 0, {{0, 6}}, true},
+    {{{5, 6}, {10, 12}}, Op::AddCell, 8, 0, {{5, 6}, {8, 8}, {10, 12}}, true},
+    {{{5, 6}, {10, 12}}, Op::AddCell, 13, 0, {{5, 6}, {10, 13}}, true},
+    {{{5, 6}}, Op::AddCell, 0, 0, {{0, 0}, {5, 6}}, true},
+    {{{5, 6}}, Op::AddCell, 4, 0, {{4, 6}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddCell, 9, 0, {{9, 12}, {20, 22}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddCell, 23, 0, {{10, 12}, {20, 23}}, true},
+    {{}, Op::AddCell, 4, 0, {{4, 4}}, true},
+    // A span widens the run it starts in; abutting runs stay apart.
+    {{{0, 2}, {4, 6}}, Op::AddSpan, 1, 3, {{0, 3}, {4, 6}}, true},
+    {{{0, 2}, {4, 6}}, Op::AddSpan, 7, 3, {{0, 2}, {3, 7}}, true},
+    {{{0, 5}, {10, 12}}, Op::AddSpan, 6, 8, {{0, 8}, {10, 12}}, true},
+    // A span ending next to the first run, or starting next to the last, joins it.
+    {{{10, 12}, {20, 22}}, Op::AddSpan, 5, 9, {{5, 12}, {20, 22}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddSpan, 9, 8, {{8, 12}, {20, 22}}, true},
+    {{{10, 12}, {20, 22}}, Op::AddSpan, 30, 23, {{10, 12}, {20, 30}}, true},
+    // From a gap past the next run, cells between are lost; the reached run keeps its bounds.
+    {kFour, Op::AddSpan, 25, 5, {{0, 2}, {10, 12}, {30, 32}}, true},
+    {kFour, Op::AddSpan, 5, 29, {{0, 2}, {10, 12}, {30, 32}}, true},
+    // The low run is widened, never the high one.
+    {{{0, 2}, {10, 12}, {30, 32}}, Op::AddSpan, 5, 11, {{0, 2}, {5, 12}, {30, 32}}, true},
+    {kFive, Op::AddSpan, 11, 31, {{0, 2}, {10, 32}, {40, 42}}, true},
+    {kFive, Op::AddSpan, 11, 35, {{0, 2}, {10, 35}, {40, 42}}, true},
+    // In a gap or beyond the edges a span is inserted.
+    {kFour, Op::AddSpan, 5, 7, {{0, 2}, {5, 7}, {10, 12}, {20, 22}, {30, 32}}, true},
+    {kFour, Op::AddSpan, 16, 15, {{0, 2}, {10, 12}, {15, 16}, {20, 22}, {30, 32}}, true},
+    {{{10, 12}}, Op::AddSpan, 0, 5, {{0, 5}, {10, 12}}, true},
+    {{{10, 12}}, Op::AddSpan, 30, 40, {{10, 12}, {30, 40}}, true},
+    {{{10, 12}, {30, 40}}, Op::AddSpan, 41, 45, {{10, 12}, {30, 45}}, true},
+    {kFour, Op::AddSpan, -1, 50, {{-1, 50}}, true},
+    // Erasing a cell splits, trims or removes a run; beside a run or in an empty row it is true.
+    {{{0, 10}}, Op::EraseCell, 4, 0, {{0, 3}, {5, 10}}, true},
+    {{{0, 0}}, Op::EraseCell, 0, 0, {}, true},
+    {{{0, 10}}, Op::EraseCell, 11, 0, {{0, 10}}, true},
+    {{{0, 10}}, Op::EraseCell, 20, 0, {{0, 10}}, false},
+    {{}, Op::EraseCell, 20, 0, {}, true},
+    {{{INT_MAX - 1, INT_MAX}}, Op::EraseCell, INT_MAX, 0, {{INT_MAX - 1, INT_MAX - 1}}, true},
+    {{{INT_MAX, INT_MAX}}, Op::EraseCell, INT_MAX, 0, {}, true},
+    {{{INT_MIN, INT_MIN}}, Op::EraseCell, INT_MIN, 0, {}, true},
+    // A span erase cuts at both ends, compacts away the runs ending inside, then drops exactly
+    // one run past the kept ones: k matched runs leave k - 1 copies of the tail.
+    {{{0, 2}, {8, 10}}, Op::EraseSpan, 4, 6, {{0, 2}}, true},
+    {{{0, 2}, {4, 5}, {7, 8}, {10, 12}}, Op::EraseSpan, 3, 9, {{0, 2}, {10, 12}, {10, 12}}, true},
+    {{{0, 10}, {20, 30}}, Op::EraseSpan, 25, 5, {{0, 4}, {26, 30}, {26, 30}}, true},
+    {{{0, 2}, {4, 5}, {90, 100}}, Op::EraseSpan, 0, 100, {}, true},
+};
+using Cells = std::vector<std::vector<int>>;
+
+Runs RowOf(const CRLEIndexQuery& grid, int row) {
+    return grid.RowRuns(row) ? RunsOf(*grid.RowRuns(row)) : Runs{};
 }
 
 // Range's answer followed by its four outputs.
@@ -27,14 +116,188 @@ std::vector<int> RangeOf(const CRLEIndexQuery& grid) {
     const bool stored = grid.Range(r0, c0, r1, c1);
     return {stored, r0, c0, r1, c1};
 }
+
+Cells Drain(CRLECursor& cursor) {
+    Cells out;
+    for (int row = 0, col = 0; cursor.Next(&row, &col);)
+        out.push_back({row, col});
+    return out;
+}
+
+Cells Drain(CRLEIndexCursor& cursor) {
+    Cells out;
+    for (int level = 0, row = 0, col = 0; cursor.Next(&level, &row, &col);)
+        out.push_back({level, row, col});
+    return out;
+}
+
+CRLEIndexCreate* NewLevel(int level, const Cells& spans) {
+    auto* grid = new CRLEIndexCreate();
+    grid->Level(level);
+    for (const auto& s : spans)
+        grid->Add(s[0], s[1], s[2]);
+    return grid;
+}
+
+// Counts its own destruction, so that ownership can be observed.
+class CountedLevel : public CRLEIndexCreate {
+public:
+    explicit CountedLevel(int* destroyed) : m_destroyed(destroyed) {}
+    ~CountedLevel() override { ++*m_destroyed; }
+
+private:
+    int* m_destroyed;
+};
 }  // namespace
+
+TEST(RleRow, EditsFollowTheMergeAndEraseRules) {
+    for (const RowCase& c : kRowCases) {
+        SCOPED_TRACE("case " + std::to_string(&c - kRowCases));
+        RLERows rows = {RowOf(c.before)};
+        CRLERow row(rows.begin(), rows.end());
+        const bool result = c.op == Op::AddCell     ? row.Add(c.a)
+                            : c.op == Op::AddSpan   ? row.Add(c.a, c.b)
+                            : c.op == Op::EraseCell ? row.Erase(c.a)
+                                                    : row.Erase(c.a, c.b);
+        EXPECT_EQ(RunsOf(rows[0]), c.after);
+        EXPECT_EQ(result, c.result);
+    }
+}
+
+TEST(RleRow, FindRunReturnsRunAtOrNextToCellElseRunAfterGap) {
+    RLERowRuns v = RowOf(kFour);
+    const int expected[][2] = {{-5, 0}, {3, 0}, {5, 1}, {9, 1}, {13, 1}, {15, 2}, {25, 3}, {99, 3}};
+    for (const auto& e : expected)
+        EXPECT_EQ(CRLERow::FindRLE(v.begin(), v.end() - 1, e[0]) - v.begin(), e[1]) << e[0];
+    EXPECT_FALSE(CRLERow::Insert(v.begin(), v.end() - 1, 11));
+    EXPECT_FALSE(CRLERow::Insert(v.begin(), v.end() - 1, 15));
+}
+
+TEST(RleRow, RandomCellEditsMatchSetOfCells) {
+    const unsigned seed = 23;
+    std::mt19937 gen(seed);
+    std::uniform_int_distribution<int> cell(-40, 40);
+    std::bernoulli_distribution add(0.6);
+    for (int round = 0; round < 200; ++round) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
+        RLERows rows(1);
+        CRLERow row(rows.begin(), rows.end());
+        std::set<int> model;
+        for (int step = 0; step < 150; ++step) {
+            const int x = cell(gen);
+            if (add(gen)) {
+                ASSERT_TRUE(row.Add(x));
+                model.insert(x);
+            } else {
+                const bool near = model.count(x - 1) || model.count(x) || model.count(x + 1);
+                ASSERT_EQ(row.Erase(x), near || model.empty()) << "x " << x;
+                model.erase(x);
+            }
+            ASSERT_EQ(RunsOf(rows[0]), RunsOf(model));
+        }
+        for (int x = -42; x <= 42; ++x)
+            ASSERT_EQ(row.IsExist(x), model.count(x) == 1) << "x " << x;
+    }
+}
+
+TEST(RleRun, LengthPackingCompareConnectAndTouchStayExactAtIntegerLimits) {
+    EXPECT_EQ(RLE(5, 3).Length(), -1);
+    EXPECT_EQ(RLE(INT_MIN, INT_MAX).Length(), 0);
+    const RLE packed(static_cast<long long>((7ULL << 32) | 2ULL));
+    EXPECT_EQ(RunsOf(std::vector<RLE>{packed}), (Runs{{2, 7}}));
+    const RLE r(3, 6);
+    const int expected[][2] = {{1, -2}, {2, -1}, {4, 0}, {7, 1}, {9, 3}};
+    for (const auto& e : expected) {
+        EXPECT_EQ(r.Compare(e[0]), e[1]) << "x " << e[0];
+        // A run is below the cells after it and above the cells before it, neither for its own.
+        EXPECT_EQ(r < e[0], e[1] > 0) << "x " << e[0];
+        EXPECT_EQ(r > e[0], e[1] < 0) << "x " << e[0];
+    }
+    EXPECT_LT(RLE(INT_MAX, INT_MAX).Compare(INT_MIN), 0);
+    EXPECT_GT(RLE(INT_MIN, INT_MIN).Compare(INT_MAX), 0);
+    EXPECT_FALSE(RLE(INT_MIN, INT_MIN).IsConnect(INT_MAX));
+    EXPECT_FALSE(RLE(INT_MIN, 0).IsConnect(RLE(5, INT_MAX)));
+    EXPECT_TRUE(r.IsConnect(RLE(7, 9)));
+    EXPECT_FALSE(r.IsConnect(RLE(6, 9)));
+    EXPECT_FALSE(r.IsTouch(RLE(0, 10)));
+    EXPECT_TRUE(r.IsTouch(RLE(0, 4)));
+    EXPECT_FALSE(r == RLE(0, 10));
+    EXPECT_FALSE(CFindRLE(RLE(3, 9))(RLE(0, 20)));
+    EXPECT_TRUE(CFindRLE(RLE(3, 9))(RLE(9, 20)));
+    RLE low(INT_MIN, 0);
+    low.Union(INT_MAX);
+    EXPECT_EQ(low.end, 0);
+}
+
+// The row's run vector keeps one run inside itself and moves to a block beyond that: random
+// edits against std::vector, across that boundary and back, with copies, moves and swaps.
+TEST(RleRowRuns, RandomEditsMatchStdVector) {
+    std::mt19937 rng(3);
+    const auto uniform = [&](int lo, int hi) {
+        return std::uniform_int_distribution<int>(lo, hi)(rng);
+    };
+    RLERowRuns runs, other;
+    std::vector<RLE> model, otherModel;
+    for (int step = 0; step < 20000; ++step) {
+        const RLE run(uniform(-50, 50), uniform(-50, 50));
+        const int n = static_cast<int>(model.size());
+        const int i = uniform(0, n), j = uniform(0, n), last = std::max(0, std::min(i, n - 1));
+        const auto both = [&](auto edit) {
+            edit(runs);
+            edit(model);
+        };
+        switch (uniform(0, 9)) {
+            case 0:
+            case 1:
+                both([&](auto& v) { v.insert(v.begin() + i, run); });
+                break;
+            case 2:  // an element of the vector itself, inserted into it
+                if (n > 0) both([&](auto& v) { v.insert(v.begin() + i, v[last]); });
+                break;
+            case 3:
+            case 4:
+                both([&](auto& v) {
+                    v.erase(v.begin() + std::min(i, j), v.begin() + std::max(i, j));
+                });
+                break;
+            case 5:
+                both([&](auto& v) { v.push_back(run); });
+                break;
+            case 6:
+                both([&](auto& v) { i == 0 ? v.clear() : v.assign(1, run); });
+                break;
+            case 7:
+                runs.swap(other);
+                model.swap(otherModel);
+                break;
+            case 8: {  // exchanged through a copy and a move
+                RLERowRuns copy(runs);
+                RLERowRuns moved(std::move(other));
+                other = copy;
+                runs = std::move(moved);
+                std::swap(model, otherModel);
+                break;
+            }
+            default:
+                if (n > 0) both([&](auto& v) { v.erase(v.begin() + last); });
+                break;
+        }
+        ASSERT_EQ(RunsOf(runs), RunsOf(model)) << "step " << step;
+        ASSERT_EQ(RunsOf(other), RunsOf(otherModel)) << "step " << step;
+        ASSERT_GE(runs.capacity(), runs.size());
+    }
+    try {
+        runs.reserve(SIZE_MAX);
+        ADD_FAILURE() << "reserve beyond the largest row accepted";
+    } catch (const std::length_error& e) {
+        EXPECT_STREQ(e.what(), "vector::reserve");
+    }
+}
 
 TEST(RleGrid, EmptyGridGrowsBandBothWaysOnlyWhenAsked) {
     CRLEIndexQuery grid;
-    EXPECT_EQ(grid.StartCol(), INT_MAX);
-    EXPECT_EQ(grid.EndCol(), INT_MIN);
-    EXPECT_EQ(grid.EndRow(), -1);
-    EXPECT_EQ(grid.Count(), 0);
+    EXPECT_EQ((std::vector<int>{grid.StartCol(), grid.EndCol(), grid.EndRow(), grid.Count()}),
+              (std::vector<int>{INT_MAX, INT_MIN, -1, 0}));
     EXPECT_EQ(RangeOf(grid), (std::vector<int>{0, 99999, 99999, -99999, -99999}));
     EXPECT_FALSE(grid.Add(1, 1));  // a query grid accepts no cells
     EXPECT_EQ(grid.Row(10, false), grid.EmptyRow());
@@ -43,8 +306,6 @@ TEST(RleGrid, EmptyGridGrowsBandBothWaysOnlyWhenAsked) {
     grid.Row(8, true);
     EXPECT_EQ(grid.RowCount(), 4);
     const auto first = grid.Row(2, true);
-    EXPECT_EQ(grid.StartRow(), 2);
-    EXPECT_EQ(grid.EndRow(), 8);
     EXPECT_EQ(grid.Row(2, false), first);
     EXPECT_EQ(grid.Row(9, false), grid.EmptyRow());
     EXPECT_EQ(grid.Row(1, false), grid.EmptyRow());
@@ -56,102 +317,154 @@ TEST(RleGrid, EmptyGridGrowsBandBothWaysOnlyWhenAsked) {
     EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 2, 99999, 9, -99999}));
 }
 
-TEST(RleGrid, ExtentsOfSparseGrid) {
+TEST(RleGrid, SpansExtentsLevelEraseOffsetAndClear) {
     CRLEIndexCreate grid;
+    grid.Level(3);
     EXPECT_TRUE(grid.Add(2, 3, 4));
     grid.Add(5, 9, 1);
-    EXPECT_EQ(grid.StartCol(), 1);
-    EXPECT_EQ(grid.EndCol(), 9);
     EXPECT_EQ(grid.Count(), 11);
     EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 2, 1, 6, 9}));
+    EXPECT_TRUE(grid.IsExist(3, 5, 2));
+    EXPECT_FALSE(grid.IsExist(7, 5, 2));  // another level's number
+    EXPECT_FALSE(grid.IsExist(2, 2));
+    // Erasing never grows nor shrinks the band.
+    EXPECT_FALSE(grid.Erase(6, 1));
+    EXPECT_FALSE(grid.Erase(1, 0, 5));
+    EXPECT_TRUE(grid.Erase(5, 5));
+    EXPECT_EQ(RowOf(grid, 5), (Runs{{1, 4}, {6, 9}}));
+    EXPECT_TRUE(grid.Erase(5, 0, 100));
+    EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 2, 3, 6, 4}));
+    grid.Add(0, 0, 2);
+    grid.Add(0, 10, 12);
+    EXPECT_TRUE(grid.Add(0, 5, 25));  // the row itself reports false here
+    grid.Offset(-1, 10);
+    EXPECT_EQ(grid.StartRow(), -1);
+    EXPECT_EQ(RowOf(grid, 1), (Runs{{13, 14}}));
+    EXPECT_EQ(grid.RowCount(), 6);
+    grid.Clear();  // keeps the level and the start row until the next row
+    EXPECT_TRUE(grid.IsEmpty());
+    EXPECT_EQ(grid.Level(), 3);
+    EXPECT_EQ(grid.StartRow(), -1);
+    grid.Add(-4, 5);
+    EXPECT_EQ(grid.StartRow(), -4);
+    EXPECT_EQ(grid.Count(), 1);
     CRLEIndexCreate far;
     far.Add(-7, 200000, 100000);
     far.Add(-3, -150000);
     EXPECT_EQ(RangeOf(far), (std::vector<int>{1, -7, -150000, -2, 200000}));
     far.Add(-2, 0, INT_MAX);
     EXPECT_EQ(far.Count(), static_cast<int>(0x80000000u + 100001u + 1u));  // wraps
-    grid.Add(0, 0, 2);
-    grid.Add(0, 10, 12);
-    EXPECT_TRUE(grid.Add(0, 5, 25));  // the row itself reports false here
-    EXPECT_EQ(grid.StartRow(), 0);
 }
 
-TEST(RleGrid, IsExistAnswersOnlyForOwnLevel) {
-    CRLEIndexCreate grid;
-    grid.Level(3);
-    grid.Add(1, 0, 5);
-    EXPECT_TRUE(grid.IsExist(1, 2));
-    EXPECT_TRUE(grid.IsExist(3, 1, 2));
-    EXPECT_FALSE(grid.IsExist(7, 1, 2));
-    EXPECT_FALSE(grid.IsExist(0, 2));
-}
-
-TEST(RleGrid, EraseNeverGrowsNorShrinksBand) {
-    CRLEIndexCreate grid;
-    grid.Add(0, 1);
-    grid.Add(3, 7, 9);
-    EXPECT_FALSE(grid.Erase(4, 1));
-    EXPECT_FALSE(grid.Erase(-1, 0, 5));
-    EXPECT_TRUE(grid.Erase(3, 8));
-    EXPECT_EQ(RowOf(grid, 3), (Runs{{7, 7}, {9, 9}}));
-    EXPECT_TRUE(grid.Erase(3, 0, 100));
-    ASSERT_NE(grid.RowRuns(3), nullptr);
-    EXPECT_TRUE(grid.RowRuns(3)->empty());
-    EXPECT_EQ(grid.RowCount(), 4);
-}
-
-TEST(RleGrid, OffsetMovesRowsAndColumns) {
-    CRLEIndexCreate grid;
-    grid.Add(3, 4, 6);
-    grid.Add(4, -2);
-    grid.Offset(-1, 10);
-    EXPECT_EQ(grid.StartRow(), 2);
-    EXPECT_EQ(RowOf(grid, 2), (Runs{{14, 16}}));
-    EXPECT_EQ(RowOf(grid, 3), (Runs{{8, 8}}));
-}
-
-TEST(RleGrid, ClearKeepsLevelAndStartRowUntilNextRow) {
-    CRLEIndexCreate grid;
-    grid.Level(4);
-    grid.Add(6, 1, 2);
-    grid.Clear();
-    EXPECT_TRUE(grid.IsEmpty());
-    EXPECT_EQ(grid.Level(), 4);
-    EXPECT_EQ(grid.StartRow(), 6);
-    grid.Add(-2, 5);
-    EXPECT_EQ(grid.StartRow(), -2);
-    EXPECT_EQ(grid.Count(), 1);
-}
-
-TEST(RleGrid, RandomCellsMatchSetOfCells) {
+TEST(RleGrid, RandomCellsMatchSetOfCellsAndCursorYieldsThemInOrder) {
     const unsigned seed = 19;
     std::mt19937 gen(seed);
     std::uniform_int_distribution<int> coord(-12, 12);
     std::bernoulli_distribution add(0.7);
     CRLEIndexCreate grid;
-    std::set<std::pair<int, int>> model;
+    std::set<std::vector<int>> model;
     for (int step = 0; step < 4000; ++step) {
-        const std::pair<int, int> c(coord(gen), coord(gen));
+        const int row = coord(gen), col = coord(gen);
         if (add(gen)) {
-            grid.Add(c.first, c.second);
-            model.insert(c);
+            grid.Add(row, col);
+            model.insert({row, col});
         } else {
-            grid.Erase(c.first, c.second);
-            model.erase(c);
+            grid.Erase(row, col);
+            model.erase({row, col});
         }
     }
     int minCol = INT_MAX, maxCol = INT_MIN;
     for (const auto& c : model) {
-        minCol = std::min(minCol, c.second);
-        maxCol = std::max(maxCol, c.second);
+        minCol = std::min(minCol, c[1]);
+        maxCol = std::max(maxCol, c[1]);
     }
-    ASSERT_EQ(grid.Count(), static_cast<int>(model.size())) << "seed " << seed;
-    EXPECT_EQ(grid.StartCol(), minCol) << "seed " << seed;
-    EXPECT_EQ(grid.EndCol(), maxCol) << "seed " << seed;
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    ASSERT_EQ(grid.Count(), static_cast<int>(model.size()));
+    EXPECT_EQ(grid.StartCol(), minCol);
+    EXPECT_EQ(grid.EndCol(), maxCol);
     for (int row = -13; row <= 13; ++row) {
-        for (int col = -13; col <= 13; ++col) {
-            ASSERT_EQ(grid.IsExist(row, col), model.count({row, col}) == 1)
-                << "seed " << seed << " cell " << row << "," << col;
-        }
+        for (int col = -13; col <= 13; ++col)
+            ASSERT_EQ(grid.IsExist(row, col), model.count({row, col}) == 1) << row << "," << col;
     }
+    // A copied grid holds exactly its rows, so the sanitized build sees any read past them.
+    CRLEIndexQuery exact(grid);
+    CRLECursor cursor(&exact);
+    EXPECT_EQ(Drain(cursor), Cells(model.begin(), model.end()));
+    int row = 0, col = 0;
+    EXPECT_FALSE(cursor.Next(&row, &col));
+}
+
+TEST(RleCursor, WalksRowsThenColumnsSkippingEmptyRowsAndRepeatingTails) {
+    CRLEIndexCreate grid;
+    grid.Add(4, 9);
+    grid.Add(5, 2, 3);
+    for (int col : {0, 2, 4, 5, 7, 8, 10, 11})
+        grid.Add(9, col);
+    grid.Add(11, 1);
+    grid.Erase(4, 9);
+    grid.Erase(11, 1);
+    grid.Erase(9, 3, 9);  // leaves a repeated tail run, which is walked again
+    CRLECursor cursor;
+    EXPECT_TRUE(Drain(cursor).empty());  // detached
+    cursor.Attach(&grid);
+    const Cells cells = {{5, 2}, {5, 3}, {9, 0}, {9, 2}, {9, 10}, {9, 11}, {9, 10}, {9, 11}};
+    EXPECT_EQ(Drain(cursor), cells);
+    cursor.Reset();
+    EXPECT_EQ(Drain(cursor), cells);
+}
+
+TEST(RleIndex, LevelsAppendedOwnedQueriedWalkedAndCleared) {
+    int destroyed = 0;
+    {
+        CRLEIndex index;
+        CRLEIndexCreate* first = NewLevel(5, {{0, 0, 2}});
+        CRLEIndexCreate* second = NewLevel(2, {{0, 10, 12}, {-4, 7, 7}});
+        index.Append(first);
+        index.Append(second);
+        index.Append(NewLevel(7, {}));
+        index.Append(NewLevel(5, {{1, 4, 4}}));
+        index.Append(nullptr);  // ignored
+        EXPECT_EQ((std::vector<int>{index.MinLevel(), index.MaxLevel(), index.LevelCount()}),
+                  (std::vector<int>{2, 7, 4}));
+        EXPECT_EQ(index.LevelIndex(5), first);
+        EXPECT_EQ(index.LevelIndex(2), second);
+        EXPECT_EQ(index.LevelIndex(3), nullptr);
+        // Any level of the asked number may hold the cell; other numbers never answer.
+        EXPECT_TRUE(index.IsExist(5, 1, 4));
+        EXPECT_TRUE(index.IsExist(2, 0, 11));
+        EXPECT_FALSE(index.IsExist(2, 0, 1));
+        EXPECT_FALSE(index.IsExist(3, 0, 1));
+        EXPECT_EQ(index.Count(), 8);
+        // Level by level in append order, empty levels skipped.
+        CRLEIndexCursor cursor(&index);
+        const Cells cells = {{5, 0, 0},  {5, 0, 1},  {5, 0, 2},  {2, -4, 7},
+                             {2, 0, 10}, {2, 0, 11}, {2, 0, 12}, {5, 1, 4}};
+        EXPECT_EQ(Drain(cursor), cells);
+        cursor.Reset();
+        EXPECT_EQ(Drain(cursor), cells);
+        const std::vector<unsigned char> data = {9, 8, 7, 6};
+        index.Metadata(data.data(), 4);
+        index.Clear();
+        EXPECT_EQ((std::vector<int>{index.MinLevel(), index.MaxLevel(), index.Count()}),
+                  (std::vector<int>{999, -999, 0}));
+        EXPECT_EQ(index.LevelIndex(5), nullptr);
+        EXPECT_FALSE(index.IsExist(5, 0, 0));
+        EXPECT_EQ(Drain(cursor = CRLEIndexCursor(&index)), Cells{});
+        // The metadata survives Clear and is copied only into a large enough buffer.
+        std::vector<unsigned char> out(4, 0);
+        EXPECT_EQ(index.MetaData(out.data(), 3), 4);
+        EXPECT_EQ(out, std::vector<unsigned char>(4, 0));
+        EXPECT_EQ(index.MetaData(out.data(), 4), 4);
+        EXPECT_EQ(out, data);
+        index.Metadata(data.data(), -5);
+        EXPECT_EQ(index.MetaData(nullptr, 0), 0);
+        index.Append(new CountedLevel(&destroyed));
+        index.Append(new CountedLevel(&destroyed));
+        index.Clear();
+        EXPECT_EQ(destroyed, 2);
+        index.Append(new CountedLevel(&destroyed));
+    }
+    EXPECT_EQ(destroyed, 3);
+    CRLEIndexCursor detached(nullptr);
+    EXPECT_TRUE(Drain(detached).empty());
 }

@@ -27,25 +27,24 @@ int CheckIndex(const char* path) {
 
     std::vector<unsigned char> block(static_cast<size_t>(index.BlockLength()));
     const int written = index.Save(block.data(), static_cast<int>(block.size()));
-    if (written != static_cast<int>(block.size())) return Fail("memory save");
-    CRLEIndex fromMemory;
-    if (fromMemory.Load(block.data(), written) != written) return Fail("memory load");
-
+    CRLEIndex fromMemory, fromFile;
+    if (written != static_cast<int>(block.size()) ||
+        fromMemory.Load(block.data(), written) != written)
+        return Fail("memory save and load");
     index.Save(path);
-    CRLEIndex fromFile;
-    if (!fromFile.Load(path)) return Fail("file load");
+    const bool read = fromFile.Load(path);
     std::remove(path);
-
-    for (const CRLEIndex* loaded : {&fromMemory, &fromFile}) {
-        if (loaded->Count() != 9) return Fail("cell count");
-        if (!loaded->IsExist(-2, -5, 3) || !loaded->IsExist(-2, 7, -1)) return Fail("cells");
-        if (loaded->IsExist(-2, -5, 11) || loaded->MetaData(nullptr, 0) != 3) return Fail("extra");
+    if (!read) return Fail("file load");
+    for (CRLEIndex* loaded : {&fromMemory, &fromFile}) {
+        CRLEIndexCursor cursor(loaded);
+        int cells = 0, l = 0, r = 0, c = 0;
+        while (cursor.Next(&l, &r, &c))
+            ++cells;
+        if (loaded->Count() != 9 || cells != 9 || !loaded->IsExist(-2, -5, 3) ||
+            !loaded->IsExist(-2, 7, -1) || loaded->IsExist(-2, -5, 11) ||
+            loaded->MetaData(nullptr, 0) != 3)
+            return Fail("cells");
     }
-    CRLEIndexCursor cursor(&fromFile);
-    int cells = 0, l = 0, r = 0, c = 0;
-    while (cursor.Next(&l, &r, &c))
-        ++cells;
-    if (cells != 9) return Fail("cursor");
     return 0;
 }
 
@@ -62,10 +61,9 @@ int CheckPlacement() {
     label->AddRing(square, 8);
     label->OffsetCollection().push_back(Location(20, 0));
     pass.Add(label, false);
-    if (pass.PlacedObjects().size() != 2 || label->PlacedState() != CAvoidObject::kPlaced) {
+    if (pass.PlacedObjects().size() != 2 || label->PlacedState() != CAvoidObject::kPlaced ||
+        label->Offset() != Location(20, 0))
         return Fail("placement");
-    }
-    if (label->Offset() != Location(20, 0)) return Fail("offset");
     return 0;
 }
 }  // namespace

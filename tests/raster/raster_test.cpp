@@ -1,0 +1,527 @@
+// The outline's cells against a closed-form model of each edge, the sweep's runs against
+// point-in-polygon, and the fixed rules of coverage, clipping, hit tests, gamma and cell storage.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "raster/agg.h"
+
+namespace {
+
+constexpr int kCell = agg::subpixel_scale;
+using Spans = std::vector<std::tuple<int, int, int>>;  // row, first, last
+using Points = std::vector<std::pair<int, int>>;
+
+// A target that owns no pixels and records every run of a sweep.
+class RunCapture : public agg::rendering_buffer {
+public:
+    RunCapture(unsigned width, unsigned height) : agg::rendering_buffer(nullptr, 0, 0, 0) {
+        set_size(width, height);
+    }
+    unsigned char* row(unsigned y) override {
+        record = {y, this};
+        return reinterpret_cast<unsigned char*>(&record);
+    }
+    void AddRLE(int row, int first, int last) { runs.emplace_back(row, first, last); }
+    Spans runs;
+
+private:
+    agg::run_row<RunCapture> record{0, nullptr};
+};
+
+Spans Sweep(agg::rasterizer& ras, unsigned width = 1000, unsigned height = 1000) {
+    RunCapture target(width, height);
+    ras.render<RunCapture>(target);
+    return target.runs;
+}
+
+void Polygon(agg::outline& o, const Points& pts) {
+    for (size_t i = 0; i < pts.size(); ++i)
+        i == 0 ? o.move_to(pts[i].first, pts[i].second) : o.line_to(pts[i].first, pts[i].second);
+}
+
+// Rectangle from (x0, y0) to (x1, y1) in subpixels, clockwise on screen.
+void Rect(agg::outline& o, int x0, int y0, int x1, int y1) {
+    Polygon(o, {{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}});
+}
+
+std::vector<int> Bounds(const agg::outline& o) {
+    return {o.min_x(), o.min_y(), o.max_x(), o.max_y()};
+}
+
+// The cells handed out, checked: each stored cell once, in key order.
+std::vector<agg::cell> CheckedCells(agg::outline& o) {
+    std::vector<const agg::cell*> list;
+    for (const agg::cell* const* p = o.cells(); p != nullptr && *p != nullptr; ++p)
+        list.push_back(*p);
+    EXPECT_EQ(list.size(), o.cell_count());
+    EXPECT_EQ(std::set<const agg::cell*>(list.begin(), list.end()).size(), list.size())
+        << "a cell handed out twice";
+    std::vector<agg::cell> out;
+    for (const agg::cell* c : list)
+        out.push_back(*c);
+    EXPECT_TRUE(std::is_sorted(out.begin(), out.end(),
+                               [](const auto& a, const auto& b) { return a.packed < b.packed; }));
+    return out;
+}
+
+// Key, cover and area of every cell, in order.
+std::vector<std::tuple<int, int, int>> Sums(agg::outline& o) {
+    std::vector<std::tuple<int, int, int>> out;
+    for (const agg::cell& c : CheckedCells(o))
+        out.emplace_back(c.packed, c.cover, c.area);
+    return out;
+}
+
+// Steep strokes over 60,000 rows, each leaving at least one cell per row: all 1024 blocks.
+void FillAllBlocks(agg::outline& o) {
+    o.move_to(0, -30000 * kCell);
+    for (int i = 1; i <= 80; ++i)
+        o.line_to(i * kCell + 128, (i % 2 == 1 ? 30000 : -30000) * kCell);
+    ASSERT_EQ(o.cell_count(), 1024u * 4096u);
+}
+
+// Closed-form model of the cells of one edge: the path through the exact crossings of every row
+// boundary, and inside each row of every column boundary, each rounded down to a subpixel.
+using CellSums = std::map<std::pair<int64_t, int64_t>, std::pair<int64_t, int64_t>>;
+
+int64_t FloorDiv(int64_t a, int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
+int64_t CellOf(int64_t v) { return FloorDiv(v, kCell); }
+
+void AddPiece(CellSums& m, int64_t ex, int64_t ey, int64_t fx1, int64_t fy1, int64_t fx2,
+              int64_t fy2) {
+    auto& [cover, area] = m[{ex, ey}];
+    cover += fy2 - fy1;
+    area += (fx1 + fx2) * (fy2 - fy1);
+}
+
+void ModelRow(CellSums& m, int64_t row, int64_t xa, int64_t fa, int64_t xb, int64_t fb) {
+    if (fa == fb) return;
+    const int64_t exa = CellOf(xa), exb = CellOf(xb);
+    const int64_t fxa = xa - exa * kCell, fxb = xb - exb * kCell;
+    if (exa == exb) return AddPiece(m, exa, row, fxa, fa, fxb, fb);
+    const bool right = xb > xa;
+    const int64_t w = right ? xb - xa : xa - xb;
+    const int64_t columns = right ? exb - exa : exa - exb;
+    int64_t ex = exa, fx = fxa, fy = fa;
+    for (int64_t j = 1; j <= columns; ++j) {
+        const int64_t boundary = right ? (exa + j) * kCell : (exa - j + 1) * kCell;
+        const int64_t v = fa + FloorDiv((right ? boundary - xa : xa - boundary) * (fb - fa), w);
+        AddPiece(m, ex, row, fx, fy, right ? kCell : 0, v);
+        ex += right ? 1 : -1;
+        fx = right ? 0 : kCell;
+        fy = v;
+    }
+    AddPiece(m, exb, row, fx, fy, fxb, fb);
+}
+
+void ModelEdge(CellSums& m, int64_t x1, int64_t y1, int64_t x2, int64_t y2) {
+    if (y1 == y2) return;
+    const int64_t dx = x2 - x1, ady = y2 > y1 ? y2 - y1 : y1 - y2;
+    std::vector<std::pair<int64_t, int64_t>> path = {{x1, y1}};
+    if (y2 > y1) {
+        for (int64_t b = (CellOf(y1) + 1) * kCell; b <= CellOf(y2) * kCell; b += kCell)
+            path.emplace_back(x1 + FloorDiv((b - y1) * dx, ady), b);
+    } else {
+        for (int64_t b = CellOf(y1) * kCell; b > CellOf(y2) * kCell; b -= kCell)
+            path.emplace_back(x1 + FloorDiv((y1 - b) * dx, ady), b);
+    }
+    path.emplace_back(x2, y2);
+    for (size_t i = 1; i < path.size(); ++i) {
+        const auto [xa, ya] = path[i - 1];
+        const auto [xb, yb] = path[i];
+        const int64_t row = CellOf(std::min(ya, yb));
+        ModelRow(m, row, xa, ya - row * kCell, xb, yb - row * kCell);
+    }
+}
+
+TEST(Outline, CellsMatchTheRoundedEdgeModel) {
+    const unsigned seed = 77;
+    std::mt19937 rng(seed);
+    for (int round = 0; round < 300; ++round) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
+        const int n = 3 + static_cast<int>(rng() % 5);
+        // Small ones stay inside few cells; wide ones reach the widest edges drawn uncut.
+        const bool wide = round % 100 == 1;
+        const int spanX = (wide ? 16000 : round % 3 == 0 ? 3 : 60) * kCell;
+        const int spanY = (wide || round % 3 == 0 ? 3 : 60) * kCell;
+        Points pts;
+        for (int i = 0; i < n; ++i) {
+            pts.emplace_back(static_cast<int>(rng() % (2 * spanX)) - spanX,
+                             static_cast<int>(rng() % (2 * spanY)) - spanY);
+        }
+        agg::outline o;
+        Polygon(o, pts);
+        CellSums expected, actual;
+        for (int i = 0; i < n; ++i) {
+            const auto& [ax, ay] = pts[i];
+            const auto& [bx, by] = pts[(i + 1) % n];
+            ModelEdge(expected, ax, ay, bx, by);
+        }
+        for (const agg::cell& c : CheckedCells(o)) {
+            auto& [cover, area] = actual[{c.x, c.y}];
+            cover += c.cover;
+            area += c.area;
+        }
+        for (CellSums* m : {&expected, &actual}) {
+            for (auto it = m->begin(); it != m->end();)
+                it = it->second == std::make_pair<int64_t, int64_t>(0, 0) ? m->erase(it) : ++it;
+        }
+        ASSERT_EQ(actual, expected);
+    }
+}
+
+TEST(Outline, VerticalEdgeCellsKeepStorageOrderAndBoundsCountTouchedRows) {
+    agg::outline o;
+    o.move_to(500, 700);
+    o.line_to(500, 700);  // a line to the pen adds nothing
+    EXPECT_EQ(Bounds(o), (std::vector<int>{0x7FFFFFFF, 0x7FFFFFFF, -0x7FFFFFFF, -0x7FFFFFFF}));
+    Polygon(o, {{1024, 2 * kCell}, {1024, 6 * kCell}});
+    // The edge down and the closing edge up: one cell of each per row. The small sort is an
+    // insertion sort, so each row keeps storage order: down (+256) before up (-256).
+    std::vector<std::tuple<int, int, int>> expected;
+    for (int row = 2; row < 6; ++row)
+        expected.insert(expected.end(), {{row * 65536 + 4, 256, 0}, {row * 65536 + 4, -256, 0}});
+    EXPECT_EQ(Sums(o), expected);
+    // The walk ends on the boundary of row 6, which still counts as touched.
+    EXPECT_EQ(Bounds(o), (std::vector<int>{4, 2, 5, 7}));
+    agg::outline h;
+    Polygon(h, {{2 * kCell + 10, 3 * kCell + 100}, {7 * kCell + 20, 3 * kCell + 100}});
+    EXPECT_EQ(h.cells(), nullptr);
+    EXPECT_EQ(Bounds(h), (std::vector<int>{2, 3, 8, 4}));
+}
+
+// Rows or columns beyond 16 bits give keys that differ from the stored, truncated coordinates;
+// a tall thin polygon has far more rows than cells per row. Either way cells come in key order.
+TEST(Outline, CellsComeSortedBeyondSixteenBitsAndForTallPolygons) {
+    const int boxes[][4] = {{100, 32700, 160, 32800}, {32700, 100, 32800, 160}};
+    for (uint32_t seed = 1; seed <= 50; ++seed) {
+        std::mt19937 rng(seed);
+        for (const auto& b : boxes) {
+            SCOPED_TRACE("seed " + std::to_string(seed) + " box at " + std::to_string(b[0]));
+            std::uniform_int_distribution<int> x(b[0] * kCell, b[2] * kCell);
+            std::uniform_int_distribution<int> y(b[1] * kCell, b[3] * kCell);
+            agg::outline o;
+            for (int i = 0; i < 5; ++i) {
+                const int vx = x(rng), vy = y(rng);
+                i == 0 ? o.move_to(vx, vy) : o.line_to(vx, vy);
+            }
+            EXPECT_FALSE(CheckedCells(o).empty());
+        }
+    }
+    agg::outline tall;
+    Polygon(tall,
+            {{5 * kCell + 10, 0}, {5 * kCell + 200, 3000 * kCell}, {4 * kCell + 30, 3000 * kCell}});
+    const std::vector<agg::cell> cells = CheckedCells(tall);
+    ASSERT_FALSE(cells.empty());
+    EXPECT_EQ(std::make_pair(+cells.front().y, +cells.back().y), std::make_pair(0, 2999));
+}
+
+TEST(Outline, EdgesAfterCellsAreIgnoredUntilMoveToAndResetDropsTheOpenContour) {
+    agg::outline o;
+    Rect(o, 0, 0, 3 * kCell + 5, 2 * kCell + 7);
+    const agg::cell* const* first = o.cells();
+    o.line_to(90 * kCell, 90 * kCell);
+    EXPECT_EQ(o.cells(), first);
+    EXPECT_EQ(o.max_x(), 4);
+    Polygon(o, {{10 * kCell, 10 * kCell}, {10 * kCell, 11 * kCell}});  // a new polygon
+    ASSERT_NE(o.cells(), nullptr);
+    EXPECT_EQ(o.cell_count(), 2u);
+    EXPECT_EQ(o.min_y(), 10);
+    agg::outline fresh;
+    o.move_to(kCell / 2, 0);
+    o.line_to(40 * kCell, 17 * kCell);  // left open
+    o.reset();
+    for (agg::outline* p : {&o, &fresh})
+        Rect(*p, 3 * kCell + 5, kCell, 9 * kCell + 200, 6 * kCell + 1);
+    EXPECT_EQ(Sums(o), Sums(fresh));
+    EXPECT_EQ(Bounds(o), Bounds(fresh));
+}
+
+TEST(Outline, ResetAndReleaseReuseTheBlocksBelowTheLimit) {
+    // More polygons than the block limit, each needing two blocks: only a reuse of the blocks in
+    // order (kept by reset, or allocated afresh after release) lets the last one store its cells.
+    for (bool release : {false, true}) {
+        agg::outline o;
+        unsigned first = 0;
+        for (int i = 0; i < 1100; ++i) {
+            release ? o.release() : o.reset();
+            Polygon(
+                o,
+                {{kCell / 2, 0}, {kCell / 2 + 300, 2500 * kCell}, {kCell / 2 + 100, 2500 * kCell}});
+            ASSERT_NE(o.cells(), nullptr) << "polygon " << i << " release " << release;
+            if (i == 0) first = o.cell_count();
+            ASSERT_EQ(o.cell_count(), first) << "polygon " << i << " release " << release;
+        }
+        EXPECT_GT(first, static_cast<unsigned>(agg::outline::block_cells));
+    }
+    // A first polygon of two blocks, then a smaller one, with the blocks released between.
+    agg::outline kept, released;
+    for (agg::outline* o : {&kept, &released}) {
+        o->move_to(0, -3000 * kCell);
+        for (int i = 1; i <= 4; ++i)
+            o->line_to(i * kCell + 77, (i % 2 == 1 ? 3000 : -3000) * kCell);
+        ASSERT_NE(o->cells(), nullptr);
+        if (o == &released) o->release();
+        o->reset();
+        Rect(*o, 3 * kCell + 5, kCell, 9 * kCell + 200, 6 * kCell + 1);
+    }
+    EXPECT_EQ(Sums(kept), Sums(released));
+}
+
+TEST(Outline, BlockLimitDropsCellsForeverEvenAfterReleaseButPerLender) {
+    for (bool release : {false, true}) {
+        agg::outline o;
+        FillAllBlocks(o);
+        // The blocks were allocated once: a new polygon cannot begin its first block.
+        release ? o.release() : o.reset();
+        Rect(o, 0, 0, 5 * kCell + 3, 5 * kCell + 3);
+        EXPECT_EQ(o.cells(), nullptr) << release;
+        EXPECT_EQ(o.cell_count(), 0u) << release;
+    }
+    // One outline lent to two owners in turn, each bringing its own count of blocks: after the
+    // first reached the limit the second still draws, and the first stays at its limit.
+    agg::outline lent, alone;
+    FillAllBlocks(lent);
+    const unsigned full = lent.blocks_counted();
+    lent.blocks_counted(0);
+    lent.reset();
+    for (agg::outline* o : {&lent, &alone})
+        Rect(*o, 3 * kCell + 5, kCell, 9 * kCell + 200, 6 * kCell + 1);
+    EXPECT_EQ(Sums(lent), Sums(alone));
+    ASSERT_FALSE(Sums(alone).empty());
+    lent.blocks_counted(full);
+    lent.reset();
+    Rect(lent, 0, 0, 5 * kCell + 3, 5 * kCell + 3);
+    EXPECT_EQ(lent.cells(), nullptr);
+}
+
+TEST(Rasterizer, CoverageUnderBothFillRules) {
+    struct Row {
+        int rule, area;
+        unsigned coverage;
+    };
+    // Even-odd wraps at 512 cells' worth of area; any rule but 1 is non-zero.
+    const Row rows[] = {{0, 300 << 9, 255},    {0, -(100 << 9), 100}, {0, 512 << 9, 255},
+                        {1, 256 << 9, 255},    {1, 300 << 9, 212},    {1, 512 << 9, 0},
+                        {1, -(300 << 9), 212}, {2, 512 << 9, 255}};
+    agg::rasterizer ras;
+    EXPECT_EQ(ras.fill_rule(), 0);
+    for (const Row& r : rows) {
+        ras.fill_rule(r.rule);
+        EXPECT_EQ(ras.calculate_coverage(r.area), r.coverage) << r.rule << " " << r.area;
+    }
+}
+
+TEST(Rasterizer, SweepJoinsPartialCellsAndLeavesOutSameWayOverlapUnderEvenOdd) {
+    agg::rasterizer ras;
+    // A triangle inside one cell is that one cell.
+    Polygon(ras.get_outline(), {{3 * kCell + 20, 4 * kCell + 20},
+                                {3 * kCell + 230, 4 * kCell + 20},
+                                {3 * kCell + 120, 4 * kCell + 230}});
+    EXPECT_EQ(Sweep(ras), (Spans{{4, 3, 3}}));
+    ras.get_outline().reset();
+    Rect(ras.get_outline(), 2 * kCell, kCell, 5 * kCell + 128, 3 * kCell);
+    EXPECT_EQ(Sweep(ras), (Spans{{1, 2, 5}, {2, 2, 5}}));
+    for (int rule : {0, 1}) {
+        ras.fill_rule(rule);
+        Rect(ras.get_outline(), 0, 0, 4 * kCell, kCell);
+        Rect(ras.get_outline(), 2 * kCell, 0, 6 * kCell, kCell);
+        EXPECT_EQ(Sweep(ras), (rule == 1 ? Spans{{0, 0, 1}, {0, 4, 5}} : Spans{{0, 0, 5}}));
+    }
+}
+
+TEST(Rasterizer, HitTestIncludesTheCellRightOfARun) {
+    agg::rasterizer ras;
+    EXPECT_FALSE(ras.hit_test(0, 0));
+    EXPECT_TRUE(Sweep(ras).empty());
+    Rect(ras.get_outline(), 2 * kCell, kCell, 5 * kCell, 2 * kCell);  // cells 2..4 of row 1
+    const std::pair<int, int> hits[] = {{3, 1}, {5, 1}}, misses[] = {{6, 1}, {1, 1}, {3, 0}};
+    for (auto [x, y] : hits)
+        EXPECT_TRUE(ras.hit_test(x, y)) << x << "," << y;
+    for (auto [x, y] : misses)
+        EXPECT_FALSE(ras.hit_test(x, y)) << x << "," << y;
+}
+
+TEST(Rasterizer, GammaTablesDefaultAndPowerLaw) {
+    const unsigned char* g = agg::rasterizer::s_default_gamma;
+    const std::pair<int, int> entries[] = {{0, 0},     {2, 1},    {7, 4},     {31, 18},
+                                           {64, 39},   {128, 85}, {224, 202}, {240, 229},
+                                           {250, 246}, {255, 255}};
+    for (auto [i, v] : entries)
+        EXPECT_EQ(g[i], v) << i;
+    for (int i = 1; i < 256; ++i)
+        EXPECT_LE(g[i - 1], g[i]) << i;
+    // Between the fixed entries (0-31, every sixteenth, the last sixteen): linear, truncated.
+    for (int i = 32; i < 240; ++i)
+        EXPECT_EQ(g[i], g[i - i % 16] + (g[i - i % 16 + 16] - g[i - i % 16]) * (i % 16) / 16) << i;
+    agg::rasterizer ras;
+    EXPECT_EQ(std::string(ras.gamma_table(), ras.gamma_table() + 256), std::string(g, g + 256));
+    unsigned char reversed[256];
+    for (int i = 0; i < 256; ++i)
+        reversed[i] = static_cast<unsigned char>(255 - i);
+    ras.gamma(reversed);
+    EXPECT_EQ(std::string(ras.gamma_table(), ras.gamma_table() + 256),
+              std::string(reversed, reversed + 256));
+    ras.gamma(1.3);  // truncated
+    EXPECT_EQ(std::make_pair(+ras.gamma_table()[1], +ras.gamma_table()[128]),
+              std::make_pair(0, 104));
+    ras.gamma(-2.0);  // infinities and values beyond 64 bits must not trap
+    EXPECT_EQ(std::make_pair(+ras.gamma_table()[0], +ras.gamma_table()[255]),
+              std::make_pair(0, 255));
+}
+
+// Winding number of (px, py) for the closed polygon pts, and its distance to the nearest edge.
+std::pair<int, double> WindingAndDistance(const std::vector<std::pair<double, double>>& pts,
+                                          double px, double py) {
+    int w = 0;
+    double best = 1e300;
+    for (size_t i = 0; i < pts.size(); ++i) {
+        const auto [x1, y1] = pts[i];
+        const auto [x2, y2] = pts[(i + 1) % pts.size()];
+        if ((y1 <= py) != (y2 <= py) && x1 + (py - y1) * (x2 - x1) / (y2 - y1) > px)
+            w += y2 > y1 ? 1 : -1;
+        const double dx = x2 - x1, dy = y2 - y1, len2 = dx * dx + dy * dy;
+        const double t =
+            std::fmax(0.0, std::fmin(1.0, len2 > 0 ? ((px - x1) * dx + (py - y1) * dy) / len2 : 0));
+        best = std::fmin(best, std::hypot(px - (x1 + t * dx), py - (y1 + t * dy)));
+    }
+    return {w, best};
+}
+
+// The runs against the winding number away from edges; hit_test against the runs: every
+// emitted cell is hit, and a hit cell that is not emitted lies just right of one that is (the
+// cell ending a covered row segment).
+TEST(Rasterizer, RunsMatchPointInPolygonAwayFromEdgesAndHitTestAgrees) {
+    const unsigned seed = 20240611;
+    std::mt19937 rng(seed);
+    agg::rasterizer ras;  // reused: arrays carry over between polygons
+    size_t hitChecked = 0;
+    for (int round = 0; round < 300; ++round) {
+        const int rule = round % 2;
+        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
+        ras.fill_rule(rule);
+        std::vector<std::pair<double, double>> pts;
+        const int n = 3 + static_cast<int>(rng() % 6);
+        for (int i = 0; i < n; ++i) {
+            const int x = static_cast<int>(rng() % (40 * kCell)) - 5 * kCell;
+            const int y = static_cast<int>(rng() % (40 * kCell)) - 5 * kCell;
+            pts.emplace_back(x / double(kCell), y / double(kCell));
+            i == 0 ? ras.get_outline().move_to(x, y) : ras.get_outline().line_to(x, y);
+        }
+        std::set<std::pair<int, int>> occupied;
+        for (const auto& [row, first, last] : Sweep(ras, 30, 30)) {
+            ASSERT_LE(first, last);
+            for (int x = first; x <= last; ++x)
+                ASSERT_TRUE(occupied.insert({row, x}).second) << "cell emitted twice";
+        }
+        for (int y = -1; y <= 31; ++y) {
+            for (int x = -1; x <= 31; ++x) {
+                const bool emitted = occupied.count({y, x}) == 1;
+                if (x >= 1 && x < 30 && y >= 0 && y < 30) {
+                    const bool hit = ras.hit_test(x, y);
+                    hitChecked += emitted;
+                    EXPECT_TRUE(emitted ? hit : !hit || occupied.count({y, x - 1}))
+                        << "hit_test " << x << "," << y;
+                }
+                const auto [w, distance] = WindingAndDistance(pts, x + 0.5, y + 0.5);
+                if (distance < 0.75) continue;
+                const bool inside = rule == 1 ? (w % 2 != 0) : (w != 0);
+                const bool in_target = x >= 0 && x < 30 && y >= 0 && y < 30;
+                EXPECT_EQ(emitted, inside && in_target)
+                    << "cell " << x << "," << y << " winding " << w;
+            }
+        }
+    }
+    EXPECT_GT(hitChecked, 10000u);
+}
+
+// Far beyond the supported range nothing need be meaningful, but the sweep must stay inside its
+// arrays, end, and clip what it emits. (Each polygon gets a fresh rasterizer: one that has filled
+// all its cell blocks stores nothing more.)
+TEST(Rasterizer, FarOutOfRangePolygonsStaySafe) {
+    const std::vector<Points> polygons = {
+        {{INT32_MIN, 0}, {INT32_MAX, 0}, {INT32_MAX, 2 * kCell}, {INT32_MIN, 2 * kCell}},
+        {{-40000 * kCell, 5 * kCell}, {40000 * kCell, 6 * kCell}, {0, 9 * kCell}},
+        {{0, 0}, {1000000 * kCell, 0}, {1000000 * kCell, kCell}},
+    };
+    for (size_t k = 0; k < polygons.size(); ++k) {
+        agg::rasterizer ras;
+        Polygon(ras.get_outline(), polygons[k]);
+        for (const auto& [row, first, last] : Sweep(ras, 5000, 5000)) {
+            ASSERT_TRUE(row >= 0 && row < 5000 && first >= 0 && first <= last && last < 5000)
+                << "polygon " << k << " row " << row << ": " << first << ".." << last;
+        }
+    }
+}
+
+// The sweep's row buffer: (index, length) of every span.
+std::vector<std::pair<unsigned, unsigned>> SpansOf(const agg::scanline& sl) {
+    std::vector<std::pair<unsigned, unsigned>> out;
+    for (unsigned i = 1; i <= sl.span_count(); ++i)
+        out.emplace_back(sl.span_index(i), sl.span_length(i));
+    return out;
+}
+
+TEST(Scanline, FirstSpanGoesToSlotOneSpansJoinByColumnOnlyAndOutsideCellsAreDropped) {
+    agg::scanline sl;
+    sl.reset(-10, 20, 0, 0);
+    EXPECT_EQ(sl.capacity(), 32u);
+    sl.add_span(-8, 3, 4, 77);
+    EXPECT_EQ(SpansOf(sl), (std::vector<std::pair<unsigned, unsigned>>{{2, 4}}));
+    EXPECT_EQ(std::string(sl.covers() + 2, sl.covers() + 6), "MMMM");
+    EXPECT_FALSE(sl.ready(3));
+    EXPECT_TRUE(sl.ready(4));
+    sl.clear();
+    EXPECT_EQ(sl.last_y(), 0x7FFF);
+    sl.reset(0, 50, 0, 0);
+    sl.add_span(5, 1, 3, 10);   // 5..7
+    sl.add_cell(8, 1, 20);      // touches: same span
+    sl.add_span(12, 1, 2, 30);  // gap: new span
+    sl.add_cell(14, 2, 40);     // touches by column although the row differs
+    EXPECT_EQ(SpansOf(sl), (std::vector<std::pair<unsigned, unsigned>>{{5, 4}, {12, 3}}));
+    EXPECT_EQ(sl.last_y(), 2);
+    sl.reset(0, 10, 3, 4);  // arrays only grow
+    EXPECT_EQ(sl.capacity(), 52u);
+    sl.reset(0, 40000, 0, 0);
+    sl.add_cell(32768, 0, 1);  // grows the unused slot 0
+    sl.add_cell(100, 0, 1);
+    EXPECT_EQ(sl.span_count(), 1u);
+    agg::scanline small;
+    small.reset(0, 10, 0, 0);
+    small.add_span(-1, 0, 3, 1);
+    small.add_span(12, 0, 1, 1);
+    small.add_span(5, 0, 10, 1);
+    EXPECT_EQ(small.span_count(), 0u);
+    // A width beyond what a 16-bit column can take is capped.
+    sl.reset(-2000000, 2000000, 0, 0);
+    EXPECT_LE(sl.capacity(), 65538u);
+    sl.add_span(1000000, 0, 1, 1);
+    EXPECT_EQ(sl.span_count(), 0u);
+}
+
+TEST(RenderingBuffer, NegativeStrideStartsAtTheLastRowAndSmallerAttachKeepsRows) {
+    unsigned char a[400], b[300];
+    agg::rendering_buffer rb(a, 10, 4, 100);
+    EXPECT_EQ(rb.row(3), a + 300);
+    rb.attach(b, 100, 3, -100);
+    EXPECT_EQ(rb.stride(), -100);
+    EXPECT_EQ(rb.row(0), b + 200);
+    EXPECT_EQ(rb.row(1), b + 100);
+    EXPECT_EQ(static_cast<const agg::rendering_buffer&>(rb).row(2), b);
+    EXPECT_EQ(rb.row(3), a + 300);  // beyond height: the earlier row is still there
+    rb.attach(nullptr, 0, 0, 0);    // height 0 sets nothing
+    EXPECT_EQ(rb.height(), 0u);
+    EXPECT_EQ(rb.row(0), b + 200);
+}
+
+}  // namespace
