@@ -55,9 +55,10 @@ public:
         }
         return (words[w1] & Mask(0, last & 63)) != 0;
     }
-    // Whether any cell of columns first .. last in rows top .. bottom, all covered, is set.
+    // Whether any cell of columns first .. last in rows top .. bottom is set; the rectangle must
+    // lie inside the covered cells.
     bool Any(long long top, long long bottom, long long first, long long last) const {
-        assert(top > bottom || Covers(first, top, last, bottom));
+        assert(Covers(first, top, last, bottom));
         const long long w0 = first >> 6, w1 = last >> 6;
         const uint64_t head = Mask(first & 63, w0 == w1 ? last & 63 : 63);
         const uint64_t tail = Mask(0, last & 63);
