@@ -272,30 +272,13 @@ TEST(Rasterizer, CoverageUnderBothFillRules) {
     }
 }
 
-TEST(Rasterizer, SweepJoinsPartialCellsAndLeavesOutSameWayOverlapUnderEvenOdd) {
+TEST(Rasterizer, HitTestIncludesTheCellRightOfARun) {
     agg::rasterizer ras;
     EXPECT_FALSE(ras.hit_test(0, 0));
-    // A triangle inside one cell is that one cell.
-    Polygon(ras.get_outline(), {{3 * kCell + 20, 4 * kCell + 20},
-                                {3 * kCell + 230, 4 * kCell + 20},
-                                {3 * kCell + 120, 4 * kCell + 230}});
-    EXPECT_EQ(Sweep(ras), (Spans{{4, 3, 3}}));
-    ras.get_outline().reset();
-    Rect(ras.get_outline(), 2 * kCell, kCell, 5 * kCell + 128, 3 * kCell);
-    EXPECT_EQ(Sweep(ras), (Spans{{1, 2, 5}, {2, 2, 5}}));
-    // The cell right of a covered run (cells 2..4 of row 1) answers the hit test too.
-    ras.get_outline().reset();
-    Rect(ras.get_outline(), 2 * kCell, kCell, 5 * kCell, 2 * kCell);
+    Rect(ras.get_outline(), 2 * kCell, kCell, 5 * kCell, 2 * kCell);  // cells 2..4 of row 1
     EXPECT_EQ((std::vector<bool>{ras.hit_test(3, 1), ras.hit_test(5, 1), ras.hit_test(6, 1),
                                  ras.hit_test(1, 1), ras.hit_test(3, 0)}),
               (std::vector<bool>{true, true, false, false, false}));
-    ras.get_outline().reset();
-    for (int rule : {0, 1}) {
-        ras.fill_rule(rule);
-        Rect(ras.get_outline(), 0, 0, 4 * kCell, kCell);
-        Rect(ras.get_outline(), 2 * kCell, 0, 6 * kCell, kCell);
-        EXPECT_EQ(Sweep(ras), (rule == 1 ? Spans{{0, 0, 1}, {0, 4, 5}} : Spans{{0, 0, 5}}));
-    }
 }
 
 TEST(Rasterizer, PowerLawGammaIsTruncatedAndSafeForNegativePowers) {
