@@ -15,7 +15,6 @@
 
 namespace {
 using Runs = std::vector<std::pair<int, int>>;
-enum class Op { AddSpan, EraseCell, EraseSpan };
 
 template <class Row>
 Runs RunsOf(const Row& row) {
@@ -43,7 +42,7 @@ RLERowRuns RowOf(const Runs& runs) {
 
 struct RowCase {
     Runs before;
-    Op op;
+    bool add;
     int a, b;
     Runs after;
 };
@@ -54,33 +53,33 @@ const Runs kFive = {{0, 2}, {10, 12}, {20, 22}, {30, 32}, {40, 42}};
 // Each row is edited in a vector of rows of its own, as a grid level holds it.
 const RowCase kRowCases[] = {
     // A span widens the run it starts in; abutting runs stay apart.
-    {{{0, 2}, {4, 6}}, Op::AddSpan, 1, 3, {{0, 3}, {4, 6}}},
-    {{{0, 2}, {4, 6}}, Op::AddSpan, 7, 3, {{0, 2}, {3, 7}}},
-    {{{0, 5}, {10, 12}}, Op::AddSpan, 6, 8, {{0, 8}, {10, 12}}},
+    {{{0, 2}, {4, 6}}, true, 1, 3, {{0, 3}, {4, 6}}},
+    {{{0, 2}, {4, 6}}, true, 7, 3, {{0, 2}, {3, 7}}},
+    {{{0, 5}, {10, 12}}, true, 6, 8, {{0, 8}, {10, 12}}},
     // A span ending next to the first run, or starting next to the last, joins it.
-    {{{10, 12}, {20, 22}}, Op::AddSpan, 5, 9, {{5, 12}, {20, 22}}},
-    {{{10, 12}, {20, 22}}, Op::AddSpan, 30, 23, {{10, 12}, {20, 30}}},
+    {{{10, 12}, {20, 22}}, true, 5, 9, {{5, 12}, {20, 22}}},
+    {{{10, 12}, {20, 22}}, true, 30, 23, {{10, 12}, {20, 30}}},
     // From a gap past the next run, cells between are lost; the reached run keeps its bounds.
-    {kFour, Op::AddSpan, 25, 5, {{0, 2}, {10, 12}, {30, 32}}},
+    {kFour, true, 25, 5, {{0, 2}, {10, 12}, {30, 32}}},
     // The low run is widened, never the high one.
-    {{{0, 2}, {10, 12}, {30, 32}}, Op::AddSpan, 5, 11, {{0, 2}, {5, 12}, {30, 32}}},
-    {kFive, Op::AddSpan, 11, 31, {{0, 2}, {10, 32}, {40, 42}}},
-    {kFive, Op::AddSpan, 11, 35, {{0, 2}, {10, 35}, {40, 42}}},
+    {{{0, 2}, {10, 12}, {30, 32}}, true, 5, 11, {{0, 2}, {5, 12}, {30, 32}}},
+    {kFive, true, 11, 31, {{0, 2}, {10, 32}, {40, 42}}},
+    {kFive, true, 11, 35, {{0, 2}, {10, 35}, {40, 42}}},
     // In a gap or beyond the edges a span is inserted.
-    {kFour, Op::AddSpan, 5, 7, {{0, 2}, {5, 7}, {10, 12}, {20, 22}, {30, 32}}},
-    {{{10, 12}}, Op::AddSpan, 0, 5, {{0, 5}, {10, 12}}},
-    {{{10, 12}}, Op::AddSpan, 30, 40, {{10, 12}, {30, 40}}},
-    {kFour, Op::AddSpan, -1, 50, {{-1, 50}}},
-    // Cells at the integer limits are erased without overflow.
-    {{{INT_MAX - 1, INT_MAX}}, Op::EraseCell, INT_MAX, 0, {{INT_MAX - 1, INT_MAX - 1}}},
-    {{{INT_MAX, INT_MAX}}, Op::EraseCell, INT_MAX, 0, {}},
-    {{{INT_MIN, INT_MIN}}, Op::EraseCell, INT_MIN, 0, {}},
+    {kFour, true, 5, 7, {{0, 2}, {5, 7}, {10, 12}, {20, 22}, {30, 32}}},
+    {{{10, 12}}, true, 0, 5, {{0, 5}, {10, 12}}},
+    {{{10, 12}}, true, 30, 40, {{10, 12}, {30, 40}}},
+    {kFour, true, -1, 50, {{-1, 50}}},
+    // Cells at the integer limits are erased without overflow (a span of one cell is a cell).
+    {{{INT_MAX - 1, INT_MAX}}, false, INT_MAX, INT_MAX, {{INT_MAX - 1, INT_MAX - 1}}},
+    {{{INT_MAX, INT_MAX}}, false, INT_MAX, INT_MAX, {}},
+    {{{INT_MIN, INT_MIN}}, false, INT_MIN, INT_MIN, {}},
     // A span erase cuts at both ends, compacts away the runs ending inside, then drops exactly
     // one run past the kept ones: k matched runs leave k - 1 copies of the tail.
-    {{{0, 2}, {8, 10}}, Op::EraseSpan, 4, 6, {{0, 2}}},
-    {{{0, 2}, {4, 5}, {7, 8}, {10, 12}}, Op::EraseSpan, 3, 9, {{0, 2}, {10, 12}, {10, 12}}},
-    {{{0, 10}, {20, 30}}, Op::EraseSpan, 25, 5, {{0, 4}, {26, 30}, {26, 30}}},
-    {{{0, 2}, {4, 5}, {90, 100}}, Op::EraseSpan, 0, 100, {}},
+    {{{0, 2}, {8, 10}}, false, 4, 6, {{0, 2}}},
+    {{{0, 2}, {4, 5}, {7, 8}, {10, 12}}, false, 3, 9, {{0, 2}, {10, 12}, {10, 12}}},
+    {{{0, 10}, {20, 30}}, false, 25, 5, {{0, 4}, {26, 30}, {26, 30}}},
+    {{{0, 2}, {4, 5}, {90, 100}}, false, 0, 100, {}},
 };
 using Cells = std::vector<std::vector<int>>;
 
@@ -133,11 +132,8 @@ TEST(RleRow, EditsFollowTheMergeAndEraseRules) {
         SCOPED_TRACE("case " + std::to_string(&c - kRowCases));
         RLERows rows = {RowOf(c.before)};
         CRLERow row(rows.begin(), rows.end());
-        const bool result = c.op == Op::AddSpan     ? row.Add(c.a, c.b)
-                            : c.op == Op::EraseCell ? row.Erase(c.a)
-                                                    : row.Erase(c.a, c.b);
+        EXPECT_TRUE(c.add ? row.Add(c.a, c.b) : row.Erase(c.a, c.b));
         EXPECT_EQ(RunsOf(rows[0]), c.after);
-        EXPECT_TRUE(result);
     }
 }
 
