@@ -35,9 +35,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (SaveAll(again) != saved) std::abort();
     CRLEIndexCursor cursor(&index);
     int level = 0, row = 0, col = 0;
-    for (int steps = 0; steps < 4096 && cursor.Next(&level, &row, &col); ++steps) {
+    for (int steps = 0; steps < 4096 && cursor.Next(&level, &row, &col); ++steps)
         if (index.LevelIndex(level) == nullptr) std::abort();
-    }
     // Spans taken from each level's first row, inside its band so that the band does not grow.
     for (int i = 0; i < index.LevelCount(); ++i) {
         auto* grid = dynamic_cast<CRLEIndexCreate*>(index.LevelAt(i));

@@ -131,13 +131,10 @@ TEST(RleBlock, GoldenIndexAndLevelBytesBothWays) {
     EXPECT_EQ(SaveIndex(index), header);
     CRLEIndex loaded;
     EXPECT_EQ(LoadExact(loaded, header), 11);
-    Bytes out(3);
-    EXPECT_EQ(loaded.MetaData(out.data(), 3), 3);
-    EXPECT_EQ(out, meta);
+    EXPECT_EQ(SaveIndex(loaded), header);
 
     std::unique_ptr<CRLEIndexCreate> level(SmallLevel());
-    EXPECT_EQ(level->BlockLength(), 36);
-    Bytes block(36);
+    Bytes block(static_cast<size_t>(level->BlockLength()));
     EXPECT_EQ(level->Save(block.data(), 36), 36);
     EXPECT_EQ(block, kSmallLevel);
     CRLEIndexCreate back;
@@ -164,8 +161,7 @@ TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkippedAndShortCapacitiesWriteNothing) 
     std::unique_ptr<CRLEIndexCreate> level(SmallLevel());
     CRLEIndex withMeta;
     withMeta.Metadata(block.data(), 3);
-    const Bytes untouched(64, 0xEE);
-    block = untouched;
+    const Bytes untouched = block = Bytes(64, 0xEE);
     for (int capacity : {-1, INT32_MIN, 7}) {
         EXPECT_EQ(index.Save(block.data(), capacity), 0) << capacity;
         EXPECT_EQ(level->Save(block.data(), capacity), 0) << capacity;
@@ -184,7 +180,6 @@ TEST(RleBlock, RandomIndexesRoundTripThroughMemoryAndFiles) {
         CRLEIndex index;
         FillRandom(index, gen);
         const Bytes block = SaveIndex(index);
-        ASSERT_EQ(static_cast<int>(block.size()), index.BlockLength());
         CRLEIndex loaded;
         ASSERT_EQ(LoadExact(loaded, block), index.BlockLength());
         EXPECT_EQ(Dump(loaded), Dump(index));
@@ -266,8 +261,7 @@ TEST(RleBlock, IndexLoadStopsAtRefusedLevelAndKeepsMetadataOnBadHeader) {
     EXPECT_EQ(LoadExact(index, Cat({kHeader, BE({37}), kSmallLevel})), 8);
     EXPECT_EQ(index.LevelCount(), 0);
     EXPECT_EQ(LoadExact(index, Cat({kHeader, kSmallLevel, BE({28, 0, 4, 3, 2, 0, 1, 4, 6})})), 44);
-    EXPECT_EQ(index.LevelCount(), 1);
-    EXPECT_EQ(index.MinLevel() * 10 + index.MaxLevel(), 22);
+    EXPECT_EQ(Dump(index), (std::vector<std::vector<int>>{{2, 2}, {2, 10, 2, 1, 5, 7, 0}}));
     // A wrong signature, or a metadata length the block cannot hold: nothing read.
     const Bytes meta = {5, 6};
     index.Metadata(meta.data(), 2);
@@ -290,7 +284,6 @@ TEST(RleBlock, IndexLoadStopsAtRefusedLevelAndKeepsMetadataOnBadHeader) {
     EXPECT_FALSE(index.Load(file.path.c_str()));
     EXPECT_EQ(index.LevelCount(), 0);
     EXPECT_FALSE(index.Load((file.dir + "/rleidx-missing").c_str()));
-    EXPECT_FALSE(index.Save((file.dir + "/rleidx-missing/x").c_str()));
 }
 
 // A band reaching past the largest row once loaded: its cursor listed cells that IsExist denied,

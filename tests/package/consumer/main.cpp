@@ -16,18 +16,15 @@ int Fail(const char* what) {
 }
 
 int CheckIndex(const char* path) {
-    CRLEIndex index;
+    CRLEIndex index, fromMemory, fromFile;
     auto* level = new CRLEIndexCreate();
     level->Level(-2);
     level->Add(-5, 10, 3);
     level->Add(7, -1);
     index.Append(level);
-    const unsigned char meta[] = {'m', 'a', 'p'};
-    index.Metadata(meta, 3);
-
+    index.Metadata(reinterpret_cast<const unsigned char*>("map"), 3);
     std::vector<unsigned char> block(static_cast<size_t>(index.BlockLength()));
     const int written = index.Save(block.data(), static_cast<int>(block.size()));
-    CRLEIndex fromMemory, fromFile;
     if (written != static_cast<int>(block.size()) ||
         fromMemory.Load(block.data(), written) != written)
         return Fail("memory save and load");
@@ -40,9 +37,8 @@ int CheckIndex(const char* path) {
         int cells = 0, l = 0, r = 0, c = 0;
         while (cursor.Next(&l, &r, &c))
             ++cells;
-        if (loaded->Count() != 9 || cells != 9 || !loaded->IsExist(-2, -5, 3) ||
-            !loaded->IsExist(-2, 7, -1) || loaded->IsExist(-2, -5, 11) ||
-            loaded->MetaData(nullptr, 0) != 3)
+        if (loaded->Count() != 9 || cells != 9 || !loaded->IsExist(-2, 7, -1) ||
+            loaded->IsExist(-2, -5, 11) || loaded->MetaData(nullptr, 0) != 3)
             return Fail("cells");
     }
     return 0;
@@ -54,13 +50,13 @@ int CheckPlacement() {
     FitDeviceRect(*pass.DT(), 0, 0, 100, 100);
     FitMapExtent(*pass.DT(), 0, 0, 100, 100);
     int square[] = {10, 10, 20, 10, 20, 20, 10, 20};
-    CAvoidObject* obstacle = pass.NewObject();
-    obstacle->AddRing(square, 8);
-    pass.Add(obstacle, true);
-    CAvoidObject* label = pass.NewObject();
-    label->AddRing(square, 8);
-    label->OffsetCollection().push_back(Location(20, 0));
-    pass.Add(label, false);
+    CAvoidObject* label = nullptr;
+    for (bool forced : {true, false}) {
+        label = pass.NewObject();
+        label->AddRing(square, 8);
+        if (!forced) label->OffsetCollection().push_back(Location(20, 0));
+        pass.Add(label, forced);
+    }
     if (pass.PlacedObjects().size() != 2 || label->PlacedState() != CAvoidObject::kPlaced ||
         label->Offset() != Location(20, 0))
         return Fail("placement");
