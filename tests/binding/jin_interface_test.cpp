@@ -52,9 +52,7 @@ struct FakeJvm {
         table.ReleaseIntArrayElements = &Release<jint, jintArray, &FakeArray::ints>;
         table.ReleaseDoubleArrayElements = &Release<jdouble, jdoubleArray, &FakeArray::doubles>;
         table.ReleaseLongArrayElements = &Release<jlong, jlongArray, &FakeArray::longs>;
-        table.NewIntArray = [](JNIEnv* e, jsize n) {
-            return Of(e).Ints("new", std::vector<jint>(n));
-        };
+        table.NewIntArray = [](JNIEnv* e, jsize n) { return Of(e).Ints("new", std::vector(n, 0)); };
         table.NewLongArray = [](JNIEnv* e, jsize n) {
             return Of(e).Array<jlongArray>({"new", {}, {}, std::vector<jlong>(n)});
         };
@@ -76,9 +74,7 @@ struct FakeJvm {
         arrays.push_back(std::move(a));
         return reinterpret_cast<A>(&arrays.back());
     }
-    jintArray Ints(const std::string& name, std::vector<jint> v) {
-        return Array<jintArray>({name, v, {}, {}});
-    }
+    jintArray Ints(std::string n, std::vector<jint> v) { return Array<jintArray>({n, v, {}, {}}); }
     jdoubleArray Doubles(std::vector<jdouble> v) { return Array<jdoubleArray>({"map", {}, v, {}}); }
     void Call(const std::string& call) { calls += (calls.empty() ? "" : ", ") + call; }
     std::string Log() { return std::exchange(calls, ""); }
@@ -88,15 +84,12 @@ struct FakeJvm {
         Of(e).Call("get " + Of(a).name);
         if (Of(e).failFetch) return nullptr;
         const std::vector<T>& v = Of(a).*field;
-        T* copy = new T[v.size() + (v.empty() ? 1 : 0)];
-        std::copy(v.begin(), v.end(), copy);
-        return copy;
+        return std::copy(v.begin(), v.end(), new T[v.size() + v.empty()]) - v.size();
     }
     template <class T, class A, auto field>
     static void JNICALL Release(JNIEnv* e, A a, T* elements, jint mode) {
         Of(e).Call("release " + Of(a).name + (mode == JNI_ABORT ? " abort" : " commit"));
-        std::vector<T>& v = Of(a).*field;
-        if (mode != JNI_ABORT) std::copy(elements, elements + v.size(), v.begin());
+        if (mode != JNI_ABORT) std::copy_n(elements, (Of(a).*field).size(), (Of(a).*field).begin());
         delete[] elements;
     }
 };
@@ -191,9 +184,6 @@ TEST(Natives, ShortOddAndUnreadableArguments) {
             t.Canvas()),
         ROW("odd line", "0 0 29 9", "length line, get line, release line abort",
             CALL(AvoidObject_1AddLines, t.obj, t.jvm.Ints("line", {20, 5, 30, 5, 77}), 1),
-            t.Extent()),
-        ROW("odd ring", "0 0 9 9", "length ring, get ring, release ring abort",
-            CALL(AvoidObject_1AddRing, t.obj, t.jvm.Ints("ring", {0, 0, 10, 0, 10, 10, 0, 10, 99})),
             t.Extent()),
         ROW("unreadable ring", "0 0 9 9", "length ring, get ring", t.jvm.failFetch = true,
             CALL(AvoidObject_1AddRing, t.obj, t.jvm.Ints("ring", {20, 20, 30, 20, 30, 30})),
