@@ -12,12 +12,9 @@ public class JarSmoke {
                 throw new AssertionError("jar smoke test: not 1 of 2 overlapping labels placed");
             }
         }
-        ClassLoader loader = JarSmoke.class.getClassLoader();
-        if (loader.getResource("com/tavrint/demo/Demo.class") != null
-                || loader.getResource("com/tavrint/demo/PassBenchmark.class") != null) {
+        if (JarSmoke.class.getClassLoader().getResource("com/tavrint/demo/Demo.class") != null) {
             throw new AssertionError("jar smoke test: the library jar carries the demos");
         }
-        System.out.println("jar smoke test: kxavoidcontainer " + AvoidContainer.version()
-                + ", library loaded from the jar, 1 of 2 labels placed, no demo classes");
+        System.out.println("jar smoke test passed: native library from the jar, no demo classes");
     }
 }

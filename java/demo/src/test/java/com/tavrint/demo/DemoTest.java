@@ -19,10 +19,9 @@ class DemoTest {
     @Test
     void europeHasTheLargestCitiesLabelledAndNoLabelsOverlap(@TempDir Path dir) throws Exception {
         Demo.main(new String[] {"--data", DATA.toString(), "--out", dir + "/map.png"});
-        List<String> list = Files.readAllLines(dir.resolve("map-labels.tsv"));
         // rank name country population lon lat placed ...; left top right bottom in columns 9-12
-        List<String[]> placed = list.subList(1, list.size()).stream().map(l -> l.split("\t", -1))
-                .filter(f -> f[6].equals("true")).toList();
+        List<String[]> placed = Files.readAllLines(dir.resolve("map-labels.tsv")).stream().skip(1)
+                .map(l -> l.split("\t", -1)).filter(f -> f[6].equals("true")).toList();
         // Each placed label claims the cells of its box: no cell may be claimed twice.
         String[] owner = new String[2000 * 1400];
         for (String[] f : placed) {
@@ -37,13 +36,11 @@ class DemoTest {
         // The 40 most populous cities of the data on the canvas: each is labelled, or stands
         // within a few kilometres of a larger city that is (an old town beside its new one).
         Projection canvas = new Projection(2000, 1400, -11, 34.5, 41, 61.5);
-        List<City> largest = GeoData.readCities(DATA.resolve("cities.tsv")).stream()
+        GeoData.readCities(DATA.resolve("cities.tsv")).stream()
                 .filter(c -> canvas.isOnCanvas(c.lon(), c.lat()))
-                .sorted(Comparator.comparingLong(City::population).reversed()).limit(40).toList();
-        for (City c : largest) {
-            assertTrue(placed.stream().anyMatch(f -> Long.parseLong(f[3]) >= c.population()
-                    && Math.hypot(Double.parseDouble(f[4]) - c.lon(),
-                            Double.parseDouble(f[5]) - c.lat()) < 0.05), c.name());
-        }
+                .sorted(Comparator.comparingLong(City::population).reversed()).limit(40)
+                .forEach(c -> assertTrue(placed.stream().anyMatch(f -> Long.parseLong(f[3])
+                        >= c.population() && Math.hypot(Double.parseDouble(f[4]) - c.lon(),
+                                Double.parseDouble(f[5]) - c.lat()) < 0.05), c.name()));
     }
 }
