@@ -61,14 +61,13 @@ TEST(RleRaster, BlockLimitStaysWithTheObjectThatReachedIt) {
     for (int i = 0; i < 300; ++i)
         zigzag.insert(zigzag.end(), {i % 60, i % 2 == 0 ? 0 : 31999});
     greedy->AddRing(zigzag.data(), static_cast<int>(zigzag.size()));
-    int square[] = {10, 10, 20, 10, 20, 20, 10, 20};
     int triangle[] = {10, 10, 30, 10, 10, 30};
     other->AddRing(triangle, 6);
     EXPECT_TRUE(other->Grid().IsExist(12, 12));
     greedy->Reset();
     greedy->AddRing(triangle, 6);
     EXPECT_TRUE(greedy->Grid().IsEmpty());
-    other->AddRing(square, 8);
+    AddSquare(other, 10, 10, 10, 10);
     EXPECT_TRUE(other->Grid().IsExist(19, 19));
     delete greedy;
     delete other;
@@ -211,10 +210,10 @@ TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
     const auto any = [&](int lo, int hi) {
         return std::uniform_int_distribution<int>(lo, hi)(rng);
     };
-    const auto offset = [&](CAvoidObject* obj, int far) {
-        obj->OffsetCollection().push_back({any(-8, 8) + far, any(-8, 8) - far});
-        obj->OffsetIterator(obj->OffsetCollection().end() - 1);
-        return obj;
+    // Now and then far out, beyond 2^29.
+    const auto anyOffset = [&] {
+        const int far = any(0, 4) == 0 ? (1 << 29) + any(0, 4) : 0;
+        return Location{any(-8, 8) + far, any(-8, 8) - far};
     };
     CPriorityAvoidContainer c;
     SetCanvas(*c.DT(), 64, 64);
@@ -223,9 +222,8 @@ TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
         SCOPED_TRACE("case " + std::to_string(i));
         const int x = any(0, 40), y = any(0, 40);
         const Box r(x, y, x + any(0, 20), y + any(0, 20));
-        const int far = any(0, 4) == 0 ? (1 << 29) + any(0, 4) : 0;
-        const Location at(any(-8, 8) + far, any(-8, 8) - far);
-        // The other side: a stroke, a triangle or a box-only object.
+        const Location at = anyOffset();
+        // The other side: a stroke with a box, a triangle, or a triangle with a box.
         CAvoidObject* other = c.NewObject();
         const int kind = any(0, 2);
         int line[] = {any(0, 40), any(0, 40), any(0, 40), any(0, 40), any(0, 40), any(0, 40)};
@@ -233,7 +231,8 @@ TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
         int tri[] = {any(0, 20), any(0, 20), any(21, 40), any(0, 20), any(21, 40), any(21, 40)};
         if (kind != 0) other->AddRing(tri, 6);
         if (kind != 1) other->AddBox(Box(any(0, 40), any(0, 40), any(0, 40), any(0, 40)));
-        offset(other, any(0, 4) == 0 ? (1 << 29) + any(0, 4) : 0);
+        other->OffsetCollection().push_back(anyOffset());
+        other->OffsetIterator(other->OffsetCollection().end() - 1);
         const Box probe(any(-10, 70), any(-10, 70), any(-10, 70), any(-10, 70));
         std::string answers[2];
         testing_support::CellSet cells[2];
