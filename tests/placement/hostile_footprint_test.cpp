@@ -29,10 +29,9 @@ struct Pair {
             obj->Reset(), obj->DT(t);
     }
     void Draw(std::vector<int> xy, int width) {
-        for (CAvoidObject* obj : {&fast, &full}) {
-            if (width == -1) obj->AddRing(xy.data(), static_cast<int>(xy.size()));
-            if (width != -1) obj->AddLine(xy.data(), static_cast<int>(xy.size()), width);
-        }
+        for (CAvoidObject* obj : {&fast, &full})
+            width == -1 ? obj->AddRing(xy.data(), int(xy.size()))
+                        : obj->AddLine(xy.data(), int(xy.size()), width);
     }
 };
 
@@ -157,15 +156,14 @@ TEST(HostileFootprint, OutlinePassingEmptyCellsStoresTheSameCells) {
         const int span = Uniform(rng, 1, 30000 * 256);
         const int rise = Uniform(rng, 0, round % 2 == 0 ? 40 : 2000);
         std::uniform_int_distribution<int> x(-span / 2, span / 2), y(-rise, rise);
-        fast.reset();
-        full.reset();
-        const int x0 = x(rng), y0 = y(rng);
-        fast.move_to(x0, y0);
-        full.move_to(x0, y0);
-        for (int i = 0; i < 12; ++i) {
-            const int px = x(rng), py = y(rng);
-            fast.line_to(px, py);
-            full.line_to(px, py);
+        int xy[26];
+        for (int i = 0; i < 26; ++i)
+            xy[i] = i % 2 == 0 ? x(rng) : y(rng);
+        for (agg::outline* o : {&fast, &full}) {
+            o->reset();
+            o->move_to(xy[0], xy[1]);
+            for (int i = 2; i < 26; i += 2)
+                o->line_to(xy[i], xy[i + 1]);
         }
         ASSERT_EQ(cells(fast), cells(full)) << "seed 5, round " << round;
     }

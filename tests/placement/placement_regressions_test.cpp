@@ -2,8 +2,10 @@
 // against the plain ones they replace.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "placement/AvoidContainer.h"
@@ -15,9 +17,13 @@ namespace {
 using testing_support::RunsText;
 using testing_support::SetCanvas;
 
-void AddSquare(CAvoidObject* obj, int x, int y, int size) {
-    int ring[] = {x, y, x + size, y, x + size, y + size, x, y + size};
-    obj->AddRing(ring, 8);
+// The cells [x, x + w) x [y, y + h): a ring on cell corners, or its rows as runs.
+void AddSquare(CAvoidObject* obj, int x, int y, int w, int h, bool runs = false) {
+    int ring[] = {x, y, x + w, y, x + w, y + h, x, y + h};
+    for (int row = y; runs && row < y + h; ++row)
+        obj->AddRLE(row, x, x + w - 1);
+    if (runs) obj->RecordMaxRLE();
+    if (!runs) obj->AddRing(ring, 8);
 }
 
 // The sequence that once left a freed object in the index of placed objects: a placed object is
@@ -27,14 +33,14 @@ TEST(ObjectLifetime, RecycledPlacedObjectHandedOutAndDeletedIsNeverReadAgain) {
         auto* c = new CPriorityAvoidContainer();
         SetCanvas(*c->DT(), 64, 64);
         CAvoidObject* a = c->NewObject();
-        AddSquare(a, 10, 10, 8);
+        AddSquare(a, 10, 10, 8, 8);
         c->Add(a, false);
         c->Recycle(a);
         ASSERT_EQ(c->NewObject(), a);
         delete a;
         if (addAfter) {
             CAvoidObject* other = c->NewObject();
-            AddSquare(other, 12, 12, 8);
+            AddSquare(other, 12, 12, 8, 8);
             c->Add(other, false);
             EXPECT_EQ(other->PlacedState(), CAvoidObject::kPlaced);  // the deleted one is gone
         }
@@ -55,14 +61,13 @@ TEST(RleRaster, BlockLimitStaysWithTheObjectThatReachedIt) {
     for (int i = 0; i < 300; ++i)
         zigzag.insert(zigzag.end(), {i % 60, i % 2 == 0 ? 0 : 31999});
     greedy->AddRing(zigzag.data(), static_cast<int>(zigzag.size()));
-    int square[] = {10, 10, 20, 10, 20, 20, 10, 20};
     int triangle[] = {10, 10, 30, 10, 10, 30};
     other->AddRing(triangle, 6);
     EXPECT_TRUE(other->Grid().IsExist(12, 12));
     greedy->Reset();
     greedy->AddRing(triangle, 6);
     EXPECT_TRUE(greedy->Grid().IsEmpty());
-    other->AddRing(square, 8);
+    AddSquare(other, 10, 10, 10, 10);
     EXPECT_TRUE(other->Grid().IsExist(19, 19));
     delete greedy;
     delete other;
@@ -125,8 +130,6 @@ TEST(CellRectangle, RingsAndAxisStrokesGiveTheRunsOfTheSweep) {
     }
 }
 
-// The canvas bitmap against a plain array of cells: spans across word boundaries, at the last
-// column of a row whose width is no multiple of 64, and clearing of the rows drawn in.
 // Rectangles on cell corners, either way round and as axis strokes, never reach the rasterizer:
 // the container's outline keeps what it held. Other shapes are swept.
 TEST(CellRectangle, RectanglesOnCellCornersSkipTheSweep) {
@@ -148,6 +151,9 @@ TEST(CellRectangle, RectanglesOnCellCornersSkipTheSweep) {
     c.Recycle(obj);
 }
 
+// The canvas bitmap against a plain array of cells: spans across word boundaries, at the last
+// column of a row whose width is no multiple of 64, over several rows at once, and clearing of
+// the rows drawn in.
 TEST(Occupancy, SpansMatchAnArrayOfCellsAcrossWordsAndClears) {
     std::mt19937 rng(7);
     for (const long long columns : {1LL, 63LL, 64LL, 65LL, 200LL}) {
@@ -156,23 +162,30 @@ TEST(Occupancy, SpansMatchAnArrayOfCellsAcrossWordsAndClears) {
         bits.Cover(columns, rows);
         ASSERT_EQ(std::make_pair(bits.Columns(), bits.Rows()), std::make_pair(columns, rows));
         std::vector<bool> cells(static_cast<size_t>(columns * rows));
-        const auto pick = [&](long long n) {
-            return std::uniform_int_distribution<long long>(0, n - 1)(rng);
+        const auto span = [&](long long n) {
+            long long a = std::uniform_int_distribution<long long>(0, n - 1)(rng),
+                      b = std::uniform_int_distribution<long long>(0, n - 1)(rng);
+            return std::make_pair(std::min(a, b), std::max(a, b));
         };
         for (int round = 0; round < 300; ++round) {
-            const long long row = pick(rows);
-            long long a = pick(columns), b = pick(columns);
-            if (a > b) std::swap(a, b);
-            bool expected = false;
-            for (long long x = a; x <= b; ++x)
-                expected = expected || cells[static_cast<size_t>(row * columns + x)];
-            ASSERT_EQ(bits.Any(row, a, b), expected)
-                << columns << " " << row << " " << a << " " << b;
+            const auto [top, bottom] = span(rows);
+            const auto [a, b] = span(columns);
+            bool one = false, all = false;
+            for (long long y = top; y <= bottom; ++y) {
+                for (long long x = a; x <= b; ++x)
+                    all = all || cells[static_cast<size_t>(y * columns + x)];
+                one = one || (y == top && all);
+            }
+            ASSERT_EQ(std::make_tuple(bits.Any(top, a, b), bits.Any(top, bottom, a, b),
+                                      bits.Any(bottom + 1, bottom, a, b)),
+                      std::make_tuple(one, all, false))
+                << columns << " rows " << top << "-" << bottom << " columns " << a << "-" << b;
             for (long long x = a; round % 3 == 0 && x <= b; ++x)
-                cells[static_cast<size_t>(row * columns + x)] = true;
-            if (round % 3 == 0) bits.Set(row, a, b);
+                cells[static_cast<size_t>(top * columns + x)] = true;
+            if (round % 3 == 0) bits.Set(top, a, b);
         }
         bits.Clear();
+        EXPECT_FALSE(bits.Any(0, rows - 1, 0, columns - 1));
         for (long long row = 0; row < rows; ++row)
             EXPECT_FALSE(bits.Any(row, 0, columns - 1));
     }
@@ -188,6 +201,67 @@ TEST(Occupancy, LargeCanvasesAreCoveredOnlyInPart) {
         std::make_pair(false, true));
     bits.Cover(0, 100);
     EXPECT_FALSE(bits.Covers(0, 0, 0, 0));
+}
+
+// A footprint held as one rectangle answers every collision test as the same cells stored row by
+// row, whichever side of the test it stands on, near the canvas and at far offsets.
+TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
+    std::mt19937 rng(11);
+    const auto any = [&](int lo, int hi) {
+        return std::uniform_int_distribution<int>(lo, hi)(rng);
+    };
+    // Now and then far out, beyond 2^29.
+    const auto anyOffset = [&] {
+        const int far = any(0, 4) == 0 ? (1 << 29) + any(0, 4) : 0;
+        return Location{any(-8, 8) + far, any(-8, 8) - far};
+    };
+    CPriorityAvoidContainer c;
+    SetCanvas(*c.DT(), 64, 64);
+    int meetings = 0;
+    for (int i = 0; i < 3000; ++i) {
+        SCOPED_TRACE("case " + std::to_string(i));
+        const int x = any(0, 40), y = any(0, 40);
+        const Box r(x, y, x + any(0, 20), y + any(0, 20));
+        const Location at = anyOffset();
+        // The other side: a stroke with a box, a triangle, or a triangle with a box.
+        CAvoidObject* other = c.NewObject();
+        const int kind = any(0, 2);
+        int line[] = {any(0, 40), any(0, 40), any(0, 40), any(0, 40), any(0, 40), any(0, 40)};
+        if (kind == 0) other->AddLine(line, 6, any(1, 3));
+        int tri[] = {any(0, 20), any(0, 20), any(21, 40), any(0, 20), any(21, 40), any(21, 40)};
+        if (kind != 0) other->AddRing(tri, 6);
+        if (kind != 1) other->AddBox(Box(any(0, 40), any(0, 40), any(0, 40), any(0, 40)));
+        other->OffsetCollection().push_back(anyOffset());
+        other->OffsetIterator(other->OffsetCollection().end() - 1);
+        const Box probe(any(-10, 70), any(-10, 70), any(-10, 70), any(-10, 70));
+        std::string answers[2];
+        testing_support::CellSet cells[2];
+        for (bool held : {false, true}) {
+            CAvoidObject* objs[4];
+            for (CAvoidObject*& obj : objs) {
+                obj = c.NewObject();
+                // The ring of the rectangle's cells, or its rows one by one.
+                AddSquare(obj, r.left, r.top, r.Width(), r.Height(), !held);
+                obj->OffsetCollection().push_back(at);
+                obj->OffsetIterator(obj->OffsetCollection().end() - 1);
+            }
+            Box shifted = probe.Offset(at);
+            answers[held] = std::to_string(objs[0]->IsIntersect(other)) +
+                            std::to_string(other->IsIntersect(objs[1])) +
+                            std::to_string(objs[2]->IsIntersect(shifted)) +
+                            std::to_string(objs[3]->IsExistRLE(probe)) +
+                            std::to_string(objs[0]->MaxExtent().left + objs[0]->MaxExtent().bottom);
+            cells[held] = testing_support::CellsOf(*objs[0]);
+            for (CAvoidObject* o : objs)
+                c.Recycle(o);
+        }
+        EXPECT_EQ(answers[0], answers[1]);
+        EXPECT_EQ(cells[0], cells[1]);
+        meetings += answers[1][0] == '1';
+        c.Recycle(other);
+    }
+    // The objects meet often enough for the comparison to mean something.
+    EXPECT_GT(meetings, 300);
 }
 
 }  // namespace

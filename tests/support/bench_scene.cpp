@@ -33,52 +33,41 @@ int Utf8Length(const std::string& s) {
         std::count_if(s.begin(), s.end(), [](char ch) { return (ch & 0xC0) != 0x80; }));
 }
 
-std::ifstream OpenData(const char* name) {
-    std::string path = std::string(KXAC_BENCH_DATA_DIR) + "/" + name;
+// Calls f(first field, rest) on each line of a data file after its header that has a tab.
+template <class F>
+void ForEachLine(const char* name, F f) {
+    const std::string path = std::string(KXAC_BENCH_DATA_DIR) + "/" + name;
     std::ifstream in(path);
     if (!in) throw std::runtime_error("cannot read " + path);
-    std::string header;
-    std::getline(in, header);
-    return in;
+    std::string line;
+    for (std::getline(in, line); std::getline(in, line);) {
+        const size_t tab = line.find('\t');
+        if (tab != std::string::npos) f(line.substr(0, tab), line.c_str() + tab + 1);
+    }
 }
 
 std::vector<City> ReadCities() {
-    std::ifstream in = OpenData("cities.tsv");
     std::vector<City> cities;
-    std::string line;
-    while (std::getline(in, line)) {
-        std::istringstream fields(line);
-        std::string name, lon, lat;
-        if (!std::getline(fields, name, '\t') || !std::getline(fields, lon, '\t') ||
-            !std::getline(fields, lat, '\t')) {
-            continue;
-        }
-        cities.push_back({std::strtod(lon.c_str(), nullptr), std::strtod(lat.c_str(), nullptr),
-                          Utf8Length(name)});
-    }
+    ForEachLine("cities.tsv", [&](const std::string& name, const char* p) {
+        char* end = nullptr;
+        const double lon = std::strtod(p, &end);
+        if (end != p && *end == '\t')
+            cities.push_back({lon, std::strtod(end + 1, nullptr), Utf8Length(name)});
+    });
     return cities;
 }
 
 std::vector<std::vector<double>> ReadPolylines(const char* name) {
-    std::ifstream in = OpenData(name);
     std::vector<std::vector<double>> lines;
-    std::string line;
-    while (std::getline(in, line)) {
-        size_t tab = line.find('\t');
-        if (tab == std::string::npos) continue;
+    ForEachLine(name, [&](const std::string&, const char* p) {
         std::vector<double> lonLat;
-        const char* p = line.c_str() + tab + 1;
-        char* end = nullptr;
-        for (;;) {
-            double lon = std::strtod(p, &end);
+        for (char* end = nullptr;; p = end) {
+            const double lon = std::strtod(p, &end);
             if (end == p || *end != ',') break;
-            double lat = std::strtod(end + 1, &end);
-            lonLat.push_back(lon);
-            lonLat.push_back(lat);
-            p = end;
+            lonLat.insert(lonLat.end(), {lon, std::strtod(end + 1, &end)});
         }
         if (lonLat.size() >= 4) lines.push_back(std::move(lonLat));
-    }
+    });
     return lines;
 }
 
@@ -117,20 +106,15 @@ void AddPieces(const std::vector<std::vector<double>>& lines, Scene& s) {
 
 }  // namespace
 
-std::vector<Location> ClassicOffsets(const Box& rightOfPoint, const Location& point,
-                                     int clearance) {
-    int w = rightOfPoint.Width();
-    int h = rightOfPoint.Height();
-    int centred = point.x - w / 2 - rightOfPoint.left;
-    return {Location(-w - 2 * clearance, 0),
-            Location(centred, point.y - clearance - h - rightOfPoint.top),
-            Location(centred, point.y + clearance - rightOfPoint.top)};
-}
-
+// A label right of the point at the given clearance, with its classic candidates as offsets from
+// the box: left, above and below, centred on the point.
 Label LabelRightOf(int x, int y, int width) {
-    Box box(x + kClearance, y - kLabelHeight / 2, x + kClearance + width - 1,
-            y - kLabelHeight / 2 + kLabelHeight - 1);
-    return {box, ClassicOffsets(box, Location(x, y), kClearance)};
+    const int top = y - kLabelHeight / 2, left = x + kClearance;
+    const int centred = x - width / 2 - left;
+    return {Box(left, top, left + width - 1, top + kLabelHeight - 1),
+            {Location(-width - 2 * kClearance, 0),
+             Location(centred, y - kClearance - kLabelHeight - top),
+             Location(centred, y + kClearance - top)}};
 }
 
 std::vector<std::vector<int>> SplitPolyline(const std::vector<int>& xy, int maxSpan) {
@@ -168,19 +152,13 @@ Scene WorldCities(int cities) {
     const MapData& data = Data();
     size_t n = data.cities.size();
     if (cities > 0) n = std::min(n, static_cast<size_t>(cities));
-    Scene s;
-    s.width = kWorldWidth;
-    s.height = kWorldHeight;
-    for (size_t i = 0; i < n; ++i) {
-        const City& c = data.cities[i];
-        s.forced.push_back(Dot(WorldX(c.lon), WorldY(c.lat)));
-    }
+    Scene s{kWorldWidth, kWorldHeight, {}, {}};
+    for (size_t i = 0; i < n; ++i)
+        s.forced.push_back(Dot(WorldX(data.cities[i].lon), WorldY(data.cities[i].lat)));
     AddPieces(data.borders, s);
     AddPieces(data.coast, s);
-    for (size_t i = 0; i < n; ++i) {
-        const City& c = data.cities[i];
+    for (const City& c : std::vector<City>(data.cities.begin(), data.cities.begin() + n))
         s.labels.push_back(LabelRightOf(WorldX(c.lon), WorldY(c.lat), 7 * c.nameLength + 2));
-    }
     return s;
 }
 
@@ -191,8 +169,8 @@ void FitToScene(CAvoidContainer& c, const Scene& s) {
 
 void AddLabel(CAvoidContainer& c, const Label& l, long long id) {
     CAvoidObject* obj = c.NewObject();
-    obj->ID(id);
     const Box& b = l.box;
+    obj->ID(id);
     int ring[] = {b.left,      b.top,        b.right + 1, b.top,
                   b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
     obj->AddRing(ring, 8);

@@ -1,5 +1,6 @@
 #include "reference_placement.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace reference {
@@ -22,31 +23,21 @@ bool Intersect(const CAvoidObject& r, CAvoidObject& o) {
 
 bool PriorityContainer::Add(CAvoidObject* obj, bool force) {
     if (obj == nullptr) return true;
-    if (!force) {
-        obj->PlacedState(CAvoidObject::kNotPlaced);
-        std::vector<Location>& offsets = obj->OffsetCollection();
-        std::vector<CAvoidObject*> candidates;
-        bool free = false;
-        for (auto it = offsets.begin(); it != offsets.end() && !free; ++it) {
-            obj->OffsetIterator(it);
-            candidates.clear();
-            IntersectBox(obj, candidates);
-            free = true;
-            for (CAvoidObject* placed : candidates) {
-                if (Intersect(*placed, *obj)) {
-                    free = false;
-                    break;
-                }
-            }
-        }
-        if (!free) {
-            obj->OffsetIterator(offsets.begin());
-            m_unplaced.push_back(obj);
-            return true;
-        }
+    if (!force) obj->PlacedState(CAvoidObject::kNotPlaced);
+    // Forced objects are placed at their current offset without a search.
+    bool free = force;
+    std::vector<Location>& offsets = obj->OffsetCollection();
+    std::vector<CAvoidObject*> candidates;
+    for (auto it = offsets.begin(); it != offsets.end() && !free; ++it) {
+        obj->OffsetIterator(it);
+        candidates.clear();
+        IntersectBox(obj, candidates);
+        free = std::none_of(candidates.begin(), candidates.end(),
+                            [&](CAvoidObject* placed) { return Intersect(*placed, *obj); });
     }
-    obj->PlacedState(CAvoidObject::kPlaced);
-    m_placed.push_back(obj);
+    if (!free) obj->OffsetIterator(offsets.begin());
+    (free ? m_placed : m_unplaced).push_back(obj);
+    if (free) obj->PlacedState(CAvoidObject::kPlaced);
     return true;
 }
 
