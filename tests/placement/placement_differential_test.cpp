@@ -6,10 +6,8 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdint>
 #include <random>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "bench_scene.h"
@@ -17,8 +15,6 @@
 #include "test_support.h"
 
 namespace {
-
-std::string Text(const Location& l) { return std::to_string(l.x) + "," + std::to_string(l.y); }
 
 // A scene generator: the weights of the steps of a walk and the shapes of its footprints.
 struct Generator {
@@ -79,15 +75,17 @@ private:
     size_t Pick(const std::vector<Pair>& v) {
         return static_cast<size_t>(Uniform(0, int(v.size()) - 1));
     }
-    Pair Take(std::vector<Pair>& v, size_t i = SIZE_MAX) {
-        const Pair p = v[i = i == SIZE_MAX ? Pick(v) : i];
+    Pair Take(std::vector<Pair>& v) {
+        const size_t i = Pick(v);
+        const Pair p = v[i];
         v.erase(v.begin() + static_cast<std::ptrdiff_t>(i));
         return p;
     }
     static std::vector<std::string> Tags(const std::list<CAvoidObject*>& list) {
         std::vector<std::string> tags;
         for (const CAvoidObject* o : list)
-            tags.push_back(o->StringID() + "@" + Text(o->Offset()));
+            tags.push_back(o->StringID() + "@" + std::to_string(o->Offset().x) + "," +
+                           std::to_string(o->Offset().y));
         return tags;
     }
 
@@ -99,8 +97,8 @@ private:
     void Canvas() {
         const int w = Uniform(m_g.canvas / 3, m_g.canvas), h = Uniform(m_g.canvas / 3, m_g.canvas);
         m_extent = std::max(w, h);
-        for (CDT* dt : {m_fast.DT(), m_slow.DT()})
-            testing_support::SetCanvas(*dt, w, h);
+        testing_support::SetCanvas(*m_fast.DT(), w, h);
+        testing_support::SetCanvas(*m_slow.DT(), w, h);
     }
 
     // One part of a footprint and a few more offsets, drawn the same way into both objects.
@@ -144,9 +142,10 @@ private:
         // Both pools have seen the same history: the same object comes back on both sides.
         ASSERT_EQ(p.fast->StringID(), p.slow->StringID());
         ASSERT_EQ(p.fast->DT(), m_fast.DT());
-        for (CAvoidObject* obj : {p.fast, p.slow})
-            obj->StringID(obj->StringID().empty() ? std::to_string(m_tags) : obj->StringID());
-        m_tags += p.fast->StringID() == std::to_string(m_tags);
+        if (p.fast->StringID().empty()) {
+            p.fast->StringID(std::to_string(m_tags));
+            p.slow->StringID(std::to_string(m_tags++));
+        }
         m_pooledListed.erase(std::remove_if(m_pooledListed.begin(), m_pooledListed.end(),
                                             [&](const Pair& q) { return q.fast == p.fast; }),
                              m_pooledListed.end());
@@ -163,16 +162,18 @@ private:
         const bool force = Chance(10);
         m_fast.Add(p.fast, force);
         m_slow.Add(p.slow, force);
-        const auto answer = [](CAvoidObject* o) {
-            return std::make_tuple(
-                o->PlacedState(), o->OffsetIterator() - o->OffsetCollection().begin(), o->Offset());
-        };
-        ASSERT_EQ(answer(p.fast), answer(p.slow)) << p.fast->StringID();
+        ASSERT_EQ(p.fast->PlacedState(), p.slow->PlacedState()) << p.fast->StringID();
+        ASSERT_EQ(p.fast->OffsetIterator() - p.fast->OffsetCollection().begin(),
+                  p.slow->OffsetIterator() - p.slow->OffsetCollection().begin());
+        ASSERT_EQ(p.fast->Offset(), p.slow->Offset());
         (p.fast->PlacedState() == CAvoidObject::kPlaced ? placed : rejected)++;
         m_listed.push_back(p);
     }
 
-    void Both(const Pair& p) { m_fast.Recycle(p.fast), m_slow.Recycle(p.slow); }
+    void Both(const Pair& p) {
+        m_fast.Recycle(p.fast);
+        m_slow.Recycle(p.slow);
+    }
     void Recycle(std::vector<Pair>& from, std::vector<Pair>* pooled) {
         if (from.empty()) return;
         const Pair p = Take(from);
@@ -193,11 +194,12 @@ private:
         }
         if (change == 0 || change == 4) Draw(p);
         // A reset object says state 0 while still listed: only the pass's Reset may pool it.
-        if (change == 3) Take(m_listed, i);
+        if (change == 3) m_listed.erase(m_listed.begin() + static_cast<std::ptrdiff_t>(i));
     }
 
     void Reset() {
-        m_fast.Reset(), m_slow.Reset();
+        m_fast.Reset();
+        m_slow.Reset();
         m_pooledListed.insert(m_pooledListed.end(), m_listed.begin(), m_listed.end());
         m_listed.clear();
     }
@@ -250,8 +252,9 @@ TEST(IndexedPlacement, WorldCitiesMatchTheStraightforwardPass) {
         kxbench::FitToScene(*c, scene);
         for (kxbench::Obstacle& o : scene.forced) {
             CAvoidObject* obj = c->NewObject();
-            if (o.halfWidth > 0) obj->AddLine(o.xy.data(), int(o.xy.size()), o.halfWidth);
-            if (o.halfWidth <= 0) obj->AddRing(o.xy.data(), int(o.xy.size()));
+            const int n = static_cast<int>(o.xy.size());
+            if (o.halfWidth > 0) obj->AddLine(o.xy.data(), n, o.halfWidth);
+            if (o.halfWidth <= 0) obj->AddRing(o.xy.data(), n);
             c->Add(obj, true);
         }
         for (const kxbench::Label& l : scene.labels) {

@@ -1,7 +1,5 @@
-// The rules of the container's pool and of what the placement pass leaves in the lists, and the
-// quarter search of the collision tests. The differential harness compares whole passes with the
-// straightforward pass, which also carries the collision rules between two objects; these pin
-// what both would share or what its walks never reach.
+// The rules of the container and of the collision tests, one table each. The differential harness
+// compares whole passes with the straightforward pass; these pin what both would share.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -27,6 +25,9 @@ const std::map<char, Shape> kShapes = {
     {'b', {50, 50, 5, {}}},                          // clear of everything
     {'c', {12, 12, 4, {{2, 0}, {30, 0}, {50, 0}}}},  // inside a, free at its third offset
     {'d', {12, 12, 20, {{1, 1}, {-3, 2}}}},          // over a at every offset
+    {'e', {25, 25, 2, {}}},                          // inside d only
+    {'k', {15, 15, 20, {{100, 100}}}},               // over a, forced
+    {'f', {30, 30, 2, {}}},                          // inside k only
     {'g', {10, 10, 150, {}}},                        // many rows
 };
 
@@ -55,8 +56,14 @@ const Script kScripts[] = {
     {"RecycleIgnoresOtherStates", "+a Sa Ra Nb", "||a7(0,0) b0(0,0)"},
     {"DestroyDeletesAnObjectPooledTwiceOnce", "+a +b Ra Ra Pb D. +c", "||c0(0,0)"},
     // Priority placement.
+    {"FirstFreeOffset", "+a +c Pa Pc", "ac||a1(0,0) c1(30,0)"},
+    {"RejectedBackOnTheFirstOffsetAndNeverBlocking", "+a +d +e Pa Pd Pe",
+     "ae|d|a1(0,0) d2(0,0) e1(0,0)"},
+    {"ForcedPlacedWithoutSearchAndBlocking", "+a +k +f Pa Fk Pf", "ak|f|a1(0,0) f2(0,0) k1(0,0)"},
     {"EmptyOffsetsAreRejected", "+b Cb Pb", "|b|b2(0,0)"},
+    {"RecycledAndResetObjectsNoLongerBlock", "+a +c Pa Ra Pc X. =a Pa", "a||a1(0,0) c1(0,0)"},
     {"TakePalcePlacesAndBlocks", "+a Ta +c Pc", "ac||a1(0,0) c1(30,0)"},
+    {"PlacedObjectAddedAgainBlocksItself", "+a Pa Pa", "a|a|a2(0,0)"},
 };
 
 class ContainerRules : public testing::TestWithParam<Script> {};
@@ -122,8 +129,8 @@ TEST_P(ContainerRules, Outcome) {
 INSTANTIATE_TEST_SUITE_P(Scripts, ContainerRules, testing::ValuesIn(kScripts),
                          [](const testing::TestParamInfo<Script>& i) { return i.param.name; });
 
-// Footprints for the probes, one token each: "row:first-last" a run, "!" records the run extent
-// so far, "bL,T,R,B" a box.
+// Footprints for the collision rules, one token each: "row:first-last" a run, "!" records the
+// run extent so far, "bL,T,R,B" a box, "@x,y" the offset.
 void Build(CAvoidObject& obj, const std::string& footprint) {
     obj.Reset();
     std::istringstream in(footprint);
@@ -132,14 +139,47 @@ void Build(CAvoidObject& obj, const std::string& footprint) {
         if (t == "!") obj.RecordMaxRLE();
         if (std::sscanf(t.c_str(), "b%d,%d,%d,%d", &a, &b, &c, &d) == 4)
             obj.AddBox(Box(a, b, c, d));
+        if (std::sscanf(t.c_str(), "@%d,%d", &a, &b) == 2)
+            obj.OffsetCollection()[0] = Location(a, b);
         if (std::sscanf(t.c_str(), "%d:%d-%d", &a, &b, &c) == 3) obj.AddRLE(a, b, c);
+    }
+}
+
+// Each case: footprints a and b, then whether a.IsIntersect(&b) and b.IsIntersect(&a).
+TEST(CollisionRules, BothWays) {
+    const std::string sq = "10:10-12 11:10-12 12:10-12 ! ";  // a square with its extent
+    const std::string cases[][3] = {
+        // Boxes of the argument meet the receiver's runs only; boxes meet boxes.
+        {sq, "50:50-52 ! b9,9,13,13", "01"},
+        {"0:0-0 ! b5,5,6,6", "90:90-90 ! b6,6,8,8", "11"},
+        {"b0,0,100,100", sq, "00"},  // objects without runs never collide
+        {sq, sq + "@2,2", "11"},     // runs touching in one corner cell collide
+        {sq, sq + "@3,-2", "00"},    // runs one cell apart do not
+        // Offsets shift both grids; shifted past the right end or one row down they miss.
+        {"10:20-24 ! @-7,3", "15:10-12 ! @4,-2", "11"},
+        {"10:20-24 ! @-7,3", "15:10-12 ! @9,-2", "00"},
+        {"10:20-24 ! @-7,3", "15:10-12 ! @4,-1", "00"},
+        // Runs after the recorded extent are not seen, runs inside it are.
+        {"5:0-2 5:14-15 ! 5:16-30", "5:12-12 5:25-25 !", "00"},
+        {"5:0-2 5:14-15 ! 5:16-30", "5:12-12 5:25-25 ! @2,0", "11"},
+        // Near the largest column they collide; an extent shifted past the limit is not valid.
+        {"0:0-3 ! @2147483637,0", "0:0-0 ! @2147483639,0", "11"},
+        {"0:0-3 ! @2147483646,0", "0:0-0 ! @-2147483647,0", "00"},
+    };
+    for (const auto& [fa, fb, expected] : cases) {
+        CAvoidObject a, b;
+        Build(a, fa);
+        Build(b, fb);
+        const char got[] = {a.IsIntersect(&b) ? '1' : '0', b.IsIntersect(&a) ? '1' : '0', 0};
+        EXPECT_EQ(got, expected) << "a: " << fa << ", b: " << fb;
+        EXPECT_FALSE(a.IsIntersect(nullptr));
     }
 }
 
 // Probes of an object with cells (1, 0), (9, 9) and, when `centre`, (0, 0), and the box
 // (5, 5)-(6, 6): the quarter search on its own cells, and the box test, where the coarse extent
-// (0, 0)-(9, 9) decides first.
-TEST(CollisionProbes, QuarterSearchAndBoxTest) {
+// (0, 0)-(9, 9) decides first. Then the column scan against a cell of another grid.
+TEST(CollisionProbes, QuarterSearchBoxTestAndCellScan) {
     struct Probe {
         bool centre;
         Box box;
@@ -159,6 +199,14 @@ TEST(CollisionProbes, QuarterSearchAndBoxTest) {
         EXPECT_EQ(a.IsExistRLE(p.box), p.exist) << p.box.left << "," << p.box.top;
         EXPECT_EQ(a.IsIntersect(box), p.intersect) << p.box.left << "," << p.box.top;
     }
+    CAvoidObject a, b;
+    Build(a, "1:2-2");
+    Build(b, "1:2-2");
+    auto* other = const_cast<CRLEIndexQuery*>(&b.Grid());
+    EXPECT_TRUE(a.IsExistRLE2(other, Box(0, 0, 2, 1), Location()));  // the last cell scanned
+    EXPECT_TRUE(a.IsExistRLE(other, Box(0, 0, 2, 1), Location()));
+    EXPECT_FALSE(a.IsExistRLE2(other, Box(0, 0, 2, 1), Location(1, 0)));
+    EXPECT_FALSE(a.IsExistRLE2(other, Box(2, 1, 0, 1), Location()));  // inverted: nothing
 }
 
 // The quartering search as first described; throws where it would search a box again from inside

@@ -106,15 +106,19 @@ void AddPieces(const std::vector<std::vector<double>>& lines, Scene& s) {
 
 }  // namespace
 
-// A label right of the point at the given clearance, with its classic candidates as offsets from
-// the box: left, above and below, centred on the point.
+std::vector<Location> ClassicOffsets(const Box& rightOfPoint, const Location& point,
+                                     int clearance) {
+    const int w = rightOfPoint.Width(), h = rightOfPoint.Height();
+    int centred = point.x - w / 2 - rightOfPoint.left;
+    return {Location(-w - 2 * clearance, 0),
+            Location(centred, point.y - clearance - h - rightOfPoint.top),
+            Location(centred, point.y + clearance - rightOfPoint.top)};
+}
+
 Label LabelRightOf(int x, int y, int width) {
-    const int top = y - kLabelHeight / 2, left = x + kClearance;
-    const int centred = x - width / 2 - left;
-    return {Box(left, top, left + width - 1, top + kLabelHeight - 1),
-            {Location(-width - 2 * kClearance, 0),
-             Location(centred, y - kClearance - kLabelHeight - top),
-             Location(centred, y + kClearance - top)}};
+    Box box(x + kClearance, y - kLabelHeight / 2, x + kClearance + width - 1,
+            y - kLabelHeight / 2 + kLabelHeight - 1);
+    return {box, ClassicOffsets(box, Location(x, y), kClearance)};
 }
 
 std::vector<std::vector<int>> SplitPolyline(const std::vector<int>& xy, int maxSpan) {

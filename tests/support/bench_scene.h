@@ -37,6 +37,9 @@ struct Scene {
 // a label each with its width estimated from the name's length.
 Scene WorldCities(int cities);
 
+// The classic candidates of a label box that stands right of a point at the given clearance:
+// left, above and below, as offsets from the box (the box itself is the first candidate).
+std::vector<Location> ClassicOffsets(const Box& rightOfPoint, const Location& point, int clearance);
 // A label of the given width, 13 cells high, right of the point (x, y) at a clearance of 4 cells
 // and centred on its row, with its classic candidates.
 Label LabelRightOf(int x, int y, int width);
