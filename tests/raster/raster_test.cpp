@@ -170,6 +170,23 @@ TEST(Outline, CellsMatchTheRoundedEdgeModel) {
     }
 }
 
+TEST(Outline, BoundsCountTouchedRowsAndColumns) {
+    agg::outline o;
+    o.move_to(500, 700);
+    o.line_to(500, 700);  // a line to the pen adds nothing
+    const auto bounds = [](const agg::outline& x) {
+        return std::vector<int>{x.min_x(), x.min_y(), x.max_x(), x.max_y()};
+    };
+    EXPECT_EQ(bounds(o), (std::vector<int>{0x7FFFFFFF, 0x7FFFFFFF, -0x7FFFFFFF, -0x7FFFFFFF}));
+    Polygon(o, {{1024, 2 * kCell}, {1024, 6 * kCell}});
+    // The walk ends on the boundary of row 6, which still counts as touched.
+    EXPECT_EQ(bounds(o), (std::vector<int>{4, 2, 5, 7}));
+    agg::outline h;
+    Polygon(h, {{2 * kCell + 10, 3 * kCell + 100}, {7 * kCell + 20, 3 * kCell + 100}});
+    EXPECT_EQ(h.cells(), nullptr);
+    EXPECT_EQ(bounds(h), (std::vector<int>{2, 3, 8, 4}));
+}
+
 // Rows or columns beyond 16 bits give keys that differ from the stored, truncated coordinates:
 // cells still come in key order.
 TEST(Outline, CellsComeSortedBeyondSixteenBits) {
@@ -281,9 +298,16 @@ TEST(Rasterizer, HitTestIncludesTheCellRightOfARun) {
               (std::vector<bool>{true, true, false, false, false}));
 }
 
-TEST(Rasterizer, PowerLawGammaIsTruncatedAndSafeForNegativePowers) {
+TEST(Rasterizer, DefaultAndPowerLawGammaTables) {
+    const unsigned char* g = agg::rasterizer::s_default_gamma;
+    const std::pair<int, int> entries[] = {{2, 1}, {31, 18}, {128, 85}, {240, 229}, {250, 246}};
+    for (auto [i, v] : entries)
+        EXPECT_EQ(g[i], v) << i;
+    // Between the fixed entries (0-31, every sixteenth, the last sixteen): linear, truncated.
+    for (int i = 32; i < 240; ++i)
+        EXPECT_EQ(g[i], g[i - i % 16] + (g[i - i % 16 + 16] - g[i - i % 16]) * (i % 16) / 16) << i;
     agg::rasterizer ras;
-    EXPECT_EQ(ras.gamma_table()[128], agg::rasterizer::s_default_gamma[128]);
+    EXPECT_EQ(std::string(ras.gamma_table(), ras.gamma_table() + 256), std::string(g, g + 256));
     ras.gamma(1.3);  // truncated
     EXPECT_EQ(std::make_pair(+ras.gamma_table()[1], +ras.gamma_table()[128]),
               std::make_pair(0, 104));
