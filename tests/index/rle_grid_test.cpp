@@ -166,6 +166,9 @@ TEST(RleRow, RandomCellEditsMatchSetOfCells) {
 
 TEST(RleRun, LengthPackingAndComparisonsStayExactAtIntegerLimits) {
     EXPECT_EQ(RLE(5, 3).Length(), -1);
+    EXPECT_EQ((std::vector<bool>{RLE().IsValid(), RLE(5, 3).IsValid(), RLE(5, 6).IsValid()}),
+              (std::vector<bool>{true, false, true}));
+    EXPECT_EQ(std::make_pair(RLE().start, RLE().end), std::make_pair(0, 0));
     EXPECT_EQ(RLE(INT_MIN, INT_MAX).Length(), 0);
     const RLE packed(static_cast<long long>((7ULL << 32) | 2ULL));
     EXPECT_EQ(RunsOf(std::vector<RLE>{packed}), (Runs{{2, 7}}));

@@ -14,6 +14,10 @@ namespace {
 
 TEST(Box, EmptyBoxCentreIntersectAndUnion) {
     EXPECT_EQ(Box(), Box(1, 1, -1, -1));
+    EXPECT_EQ(std::make_pair(Box(5, 5, 5, 7).Width(), Box(5, 5, 5, 7).Height()),
+              std::make_pair(1, 3));
+    const Envelope none;
+    EXPECT_EQ((std::vector<double>{none.x1, none.y1, none.x2, none.y2}), std::vector<double>(4));
     // Centres truncate toward zero.
     EXPECT_EQ(Box(-3, -3, 0, 0).Center(), Location(-1, -1));
     EXPECT_EQ(Box(0, 0, 3, 3).Center(), Location(1, 1));

@@ -170,6 +170,17 @@ TEST(Outline, CellsMatchTheRoundedEdgeModel) {
     }
 }
 
+TEST(RenderingBuffer, NegativeStrideStartsAtTheLastRowAndSmallerAttachKeepsRows) {
+    unsigned char a[400], b[300];
+    agg::rendering_buffer one(a, 10, 1, 10);  // one row needs a row table too
+    EXPECT_EQ(one.row(0), a);
+    agg::rendering_buffer rb(a, 10, 4, 100);
+    rb.attach(b, 100, 3, -100);
+    EXPECT_EQ((std::vector<unsigned char*>{rb.row(0), rb.row(1), rb.row(2), rb.row(3)}),
+              (std::vector<unsigned char*>{b + 200, b + 100, b, a + 300}));
+    EXPECT_EQ(std::make_pair(rb.stride(), rb.width()), std::make_pair(-100, 100u));
+}
+
 TEST(Outline, BoundsCountTouchedRowsAndColumns) {
     agg::outline o;
     o.move_to(500, 700);
