@@ -77,6 +77,8 @@ const RowCase kRowCases[] = {
     // A span erase cuts at both ends, compacts away the runs ending inside, then drops exactly
     // one run past the kept ones: k matched runs leave k - 1 copies of the tail.
     {{{0, 2}, {8, 10}}, false, 4, 6, {{0, 2}}},
+    {{{10, 12}, {20, 22}}, false, 1, 5, {{10, 12}, {20, 22}}},    // before or after every run:
+    {{{10, 12}, {20, 22}}, false, 30, 25, {{10, 12}, {20, 22}}},  // nothing is dropped
     {{{0, 2}, {4, 5}, {7, 8}, {10, 12}}, false, 3, 9, {{0, 2}, {10, 12}, {10, 12}}},
     {{{0, 10}, {20, 30}}, false, 25, 5, {{0, 4}, {26, 30}, {26, 30}}},
     {{{0, 2}, {4, 5}, {90, 100}}, false, 0, 100, {}},
