@@ -196,6 +196,9 @@ TEST(Outline, BoundsCountTouchedRowsAndColumns) {
     Polygon(h, {{2 * kCell + 10, 3 * kCell + 100}, {7 * kCell + 20, 3 * kCell + 100}});
     EXPECT_EQ(h.cells(), nullptr);
     EXPECT_EQ(bounds(h), (std::vector<int>{2, 3, 8, 4}));
+    agg::outline next;  // columns next to each other
+    Polygon(next, {{4 * kCell, 0}, {5 * kCell + 1, kCell}});
+    EXPECT_EQ(bounds(next), (std::vector<int>{4, 0, 6, 2}));
 }
 
 // Rows or columns beyond 16 bits give keys that differ from the stored, truncated coordinates:
@@ -263,9 +266,11 @@ TEST(Outline, BlockLimitDropsCellsForeverEvenAfterReleaseButPerLender) {
         FillAllBlocks(o);
         // The blocks were allocated once: a new polygon cannot begin its first block.
         release ? o.release() : o.reset();
-        Rect(o, 0, 0, 5 * kCell + 3, 5 * kCell + 3);
+        Rect(o, 0, 5 * kCell, 5 * kCell + 3, 6 * kCell + 3);
         EXPECT_EQ(o.cells(), nullptr) << release;
         EXPECT_EQ(o.cell_count(), 0u) << release;
+        // The bounds still follow the edges, row by row.
+        EXPECT_EQ(std::make_pair(o.min_y(), o.max_y()), std::make_pair(5, 7)) << release;
     }
     // One outline lent to two owners in turn, each bringing its own count of blocks: after the
     // first reached the limit the second still draws, and the first stays at its limit.
