@@ -262,6 +262,13 @@ TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
     }
     // The objects meet often enough for the comparison to mean something.
     EXPECT_GT(meetings, 300);
+    // Only the rectangle's rows are full: a ring below one across the canvas is drawn.
+    CAvoidObject* wide = c.NewObject();
+    AddSquare(wide, 0, 0, 64, 4);
+    int below[] = {5, 10, 20, 10, 5, 20};
+    wide->AddRing(below, 6);
+    EXPECT_TRUE(wide->Grid().IsExist(12, 8));
+    c.Recycle(wide);
 }
 
 }  // namespace
