@@ -3,9 +3,11 @@
 
 #include <climits>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "placement/AvoidContainer.h"
@@ -104,6 +106,24 @@ TEST(AvoidObject, MapBoxesTruncateTowardZeroUnsorted) {
     obj.AddBox(Envelope{1003, 1995, 999, 2001});
     obj.AddBox(Envelope{std::numeric_limits<double>::quiet_NaN(), -1e300, 1e300, 1990});
     EXPECT_EQ(obj.Boxes(), (std::vector<Box>{Box(1, 2, 0, 0), Box(INT_MIN, INT_MIN, INT_MIN, 5)}));
+}
+
+// A raster target that only reports its canvas, the clip bounds of its sweeps.
+class SizedRaster : public CRLERaster {
+public:
+    void AddRLE(int, int, int) override {}
+    std::pair<unsigned, unsigned> Size() const { return {width(), height()}; }
+};
+
+TEST(RleRaster, CanvasIsTheLow32BitsOfTheTransformOrUnbounded) {
+    SizedRaster r;
+    CDT dt;
+    dt.width = (int64_t{1} << 32) + 7;
+    dt.height = -1;
+    r.DT(&dt);
+    EXPECT_EQ(r.Size(), std::make_pair(7u, 0xFFFFFFFFu));
+    r.DT(nullptr);
+    EXPECT_EQ(r.Size(), std::make_pair(0x7FFFFFFFu, 0x7FFFFFFFu));
 }
 
 }  // namespace
