@@ -2,11 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <fstream>
 #include <random>
 #include <set>
-#include <stdexcept>
 
 namespace kxbench {
 namespace {
@@ -36,63 +33,16 @@ int ToCell(double v) {
     return static_cast<int>(RoundHalfUp(std::max(-limit, std::min(limit, v))));
 }
 
-std::ifstream OpenData(const char* name) {
-    const std::string path = std::string(KXAC_BENCH_DATA_DIR) + "/" + name;
-    std::ifstream in(path);
-    if (!in) throw std::runtime_error("cannot read " + path);
-    std::string header;
-    std::getline(in, header);
-    return in;
-}
-
-struct City {
-    double lon = 0.0;
-    double lat = 0.0;
-    int nameLength = 0;  // code points
-};
-
-std::vector<City> ReadCities() {
-    std::ifstream in = OpenData("cities.tsv");
-    std::vector<City> cities;
-    std::string line;
-    while (std::getline(in, line)) {
-        if (line.empty()) continue;
-        const size_t t1 = line.find('\t');
-        const size_t t2 = t1 == std::string::npos ? t1 : line.find('\t', t1 + 1);
-        if (t2 == std::string::npos) throw std::runtime_error("cities.tsv: malformed line");
-        City c;
-        c.lon = std::strtod(line.c_str() + t1 + 1, nullptr);
-        c.lat = std::strtod(line.c_str() + t2 + 1, nullptr);
-        c.nameLength = static_cast<int>(
-            std::count_if(line.begin(), line.begin() + static_cast<long>(t1),
-                          [](char ch) { return (static_cast<unsigned char>(ch) & 0xC0) != 0x80; }));
-        cities.push_back(c);
-    }
-    return cities;
-}
-
-// Each line's vertices as cells of the world canvas, in file order.
-std::vector<std::vector<int>> ReadWorldPolylines(const char* name) {
-    std::ifstream in = OpenData(name);
-    std::vector<std::vector<int>> lines;
-    std::string line;
-    while (std::getline(in, line)) {
-        const size_t tab = line.find('\t');
-        if (tab == std::string::npos) continue;
+// Each polyline's vertices as cells of the world canvas.
+std::vector<std::vector<int>> WorldPolylines(const std::vector<std::vector<double>>& lines) {
+    std::vector<std::vector<int>> cells;
+    for (const std::vector<double>& lonLat : lines) {
         std::vector<int> xy;
-        const char* p = line.c_str() + tab + 1;
-        char* end = nullptr;
-        for (;;) {
-            const double lon = std::strtod(p, &end);
-            if (end == p || *end != ',') break;
-            const double lat = std::strtod(end + 1, &end);
-            xy.push_back(ToCell(WorldX(lon)));
-            xy.push_back(ToCell(WorldY(lat)));
-            p = end;
-        }
-        if (xy.size() >= 4) lines.push_back(std::move(xy));
+        for (size_t i = 0; i + 1 < lonLat.size(); i += 2)
+            xy.insert(xy.end(), {ToCell(WorldX(lonLat[i])), ToCell(WorldY(lonLat[i + 1]))});
+        cells.push_back(std::move(xy));
     }
-    return lines;
+    return cells;
 }
 
 // java.util.Random: the 48-bit linear congruential generator and its nextInt(bound).
@@ -169,13 +119,13 @@ bool LabelAround(double px, double py, int width, int height, double clearance, 
     return !first;
 }
 
-size_t WorldCityCount() { return ReadCities().size(); }
+size_t WorldCityCount() { return WorldData().cities.size(); }
 
 Scene WorldCandidateLabels(bool withLines) {
     Scene s;
     s.width = kWorldWidth;
     s.height = kWorldHeight;
-    const std::vector<City> cities = ReadCities();
+    const std::vector<City>& cities = WorldData().cities;
     s.labels.reserve(cities.size());
     for (const City& c : cities) {
         Label l;
@@ -186,8 +136,8 @@ Scene WorldCandidateLabels(bool withLines) {
         }
     }
     if (withLines) {
-        for (const char* file : {"borders.tsv", "coastline.tsv"}) {
-            for (const auto& xy : ReadWorldPolylines(file)) {
+        for (const auto* lines : {&WorldData().borders, &WorldData().coast}) {
+            for (const auto& xy : WorldPolylines(*lines)) {
                 for (auto& piece : SplitPolyline(xy, kPieceSpan))
                     s.forced.push_back({std::move(piece), kLineHalfWidth});
             }

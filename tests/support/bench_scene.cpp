@@ -16,18 +16,6 @@ constexpr int kWorldWidth = 8192;
 constexpr int kWorldHeight = 4096;
 constexpr int kPieceSpan = 48;
 
-struct City {
-    double lon = 0.0;
-    double lat = 0.0;
-    int nameLength = 0;  // code points
-};
-
-struct MapData {
-    std::vector<City> cities;
-    std::vector<std::vector<double>> borders;
-    std::vector<std::vector<double>> coast;
-};
-
 int Utf8Length(const std::string& s) {
     return static_cast<int>(
         std::count_if(s.begin(), s.end(), [](char ch) { return (ch & 0xC0) != 0x80; }));
@@ -71,13 +59,6 @@ std::vector<std::vector<double>> ReadPolylines(const char* name) {
     return lines;
 }
 
-// Read once per process; the benchmarks only read it.
-const MapData& Data() {
-    static const MapData data{ReadCities(), ReadPolylines("borders.tsv"),
-                              ReadPolylines("coastline.tsv")};
-    return data;
-}
-
 int WorldX(double lon) {
     return static_cast<int>(std::lround((lon + 180.0) / 360.0 * kWorldWidth));
 }
@@ -105,6 +86,12 @@ void AddPieces(const std::vector<std::vector<double>>& lines, Scene& s) {
 }
 
 }  // namespace
+
+const MapData& WorldData() {
+    static const MapData data{ReadCities(), ReadPolylines("borders.tsv"),
+                              ReadPolylines("coastline.tsv")};
+    return data;
+}
 
 std::vector<Location> ClassicOffsets(const Box& rightOfPoint, const Location& point,
                                      int clearance) {
@@ -153,7 +140,7 @@ std::vector<std::vector<int>> SplitPolyline(const std::vector<int>& xy, int maxS
 }
 
 Scene WorldCities(int cities) {
-    const MapData& data = Data();
+    const MapData& data = WorldData();
     size_t n = data.cities.size();
     if (cities > 0) n = std::min(n, static_cast<size_t>(cities));
     Scene s{kWorldWidth, kWorldHeight, {}, {}};

@@ -32,6 +32,20 @@ struct Scene {
     std::vector<Label> labels;
 };
 
+// The world data: cities, most populous first, and the border and coastline polylines as
+// longitude, latitude pairs. Read once per process.
+struct City {
+    double lon = 0.0;
+    double lat = 0.0;
+    int nameLength = 0;  // code points
+};
+struct MapData {
+    std::vector<City> cities;
+    std::vector<std::vector<double>> borders;
+    std::vector<std::vector<double>> coast;
+};
+const MapData& WorldData();
+
 // The first `cities` cities of the data (most populous first; all when cities <= 0) on an
 // equirectangular world canvas: a dot each, the borders and the coastline as forced pieces, and
 // a label each with its width estimated from the name's length.
