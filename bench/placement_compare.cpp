@@ -7,9 +7,6 @@
 // that of the prefix (an upper bound for the whole pass).
 //
 // Usage: kxac_placement_compare [budget seconds, default 120]
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
@@ -19,6 +16,7 @@
 #include <vector>
 
 #include "bench_scene.h"
+#include "child_process.h"
 #include "reference_placement.h"
 
 namespace {
@@ -67,12 +65,9 @@ kxbench::PassCounts TimedPass(CAvoidContainer& c, kxbench::Scene& s, double budg
 
 // Runs one pass in a child process.
 Outcome RunInChild(const Case& c, bool fast, double budget) {
-    int fd[2];
     Outcome out;
-    if (pipe(fd) != 0) return out;
-    const pid_t pid = fork();
-    if (pid == 0) {
-        close(fd[0]);
+    long peakKiB = 0;
+    const auto pass = [&] {
         kxbench::Scene scene = c.make();
         CPriorityAvoidContainer indexed;
         reference::PriorityContainer straightforward;
@@ -86,23 +81,10 @@ Outcome RunInChild(const Case& c, bool fast, double budget) {
         r.objects = scene.forced.size() + r.labels;
         r.placed = counts.placed;
         r.ok = true;
-        if (write(fd[1], &r, sizeof r) != static_cast<ssize_t>(sizeof r)) _exit(1);
-        _exit(0);
-    }
-    close(fd[1]);
-    if (pid < 0) {
-        close(fd[0]);
-        return out;
-    }
-    Outcome r;
-    const bool read_ok = read(fd[0], &r, sizeof r) == static_cast<ssize_t>(sizeof r);
-    close(fd[0]);
-    int status = 0;
-    struct rusage usage = {};
-    wait4(pid, &status, 0, &usage);
-    if (!read_ok || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return out;
-    r.peakKiB = usage.ru_maxrss;
-    return r;
+        return r;
+    };
+    if (kxbench::InChild(pass, out, &peakKiB)) out.peakKiB = peakKiB;
+    return out;
 }
 
 std::string Mib(long kib) {

@@ -18,7 +18,6 @@
 //   --quick      runs the uniform scenes up to 100k labels only, and fewer repetitions
 //   --no-bitmap  leaves out the first table
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -35,6 +34,7 @@
 
 #include "bench_scene.h"
 #include "bitmap_placer.h"
+#include "child_process.h"
 #include "label_scenes.h"
 
 namespace {
@@ -147,35 +147,9 @@ struct SceneResult {
 };
 
 // Runs work() in a child process and returns what it wrote, or a result that is not ok.
-SceneResult InChild(const std::function<SceneResult()>& work) {
-    SceneResult failed;
-    int fd[2];
-    if (pipe(fd) != 0) return failed;
-    std::fflush(stdout);
-    const pid_t pid = fork();
-    if (pid == 0) {
-        close(fd[0]);
-        SceneResult r;
-        try {
-            r = work();
-        } catch (const std::exception& e) {
-            std::fprintf(stderr, "%s\n", e.what());
-            _exit(1);
-        }
-        if (write(fd[1], &r, sizeof r) != static_cast<ssize_t>(sizeof r)) _exit(1);
-        _exit(0);
-    }
-    close(fd[1]);
-    if (pid < 0) {
-        close(fd[0]);
-        return failed;
-    }
+SceneResult Isolated(const std::function<SceneResult()>& work) {
     SceneResult r;
-    const bool readOk = read(fd[0], &r, sizeof r) == static_cast<ssize_t>(sizeof r);
-    close(fd[0]);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    if (!readOk || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return failed;
+    kxbench::InChild(work, r);
     return r;
 }
 
@@ -330,7 +304,7 @@ void LibraryAgainstBitmapTable(bool quick, bool skip) {
     double usFirst = 0.0, usLast = 0.0;
     std::string nameFirst, nameLast;
     for (const Case& c : cases) {
-        const SceneResult r = InChild([&] { return LibraryAgainstBitmap(c.make, quick); });
+        const SceneResult r = Isolated([&] { return LibraryAgainstBitmap(c.make, quick); });
         if (!r.ok) {
             std::printf("| %s | failed | | | | | | | | | |\n", c.name.c_str());
             continue;
@@ -381,7 +355,7 @@ std::vector<JniLine> MeasureJavaWorkloads(const char* javaJson) {
         } else {
             continue;
         }
-        lines.push_back({j, InChild([&] { return CppPass(make); })});
+        lines.push_back({j, Isolated([&] { return CppPass(make); })});
     }
     return lines;
 }
