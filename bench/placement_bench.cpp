@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "bench_scene.h"
+#include "synthetic_scenes.h"
 
 namespace {
 

@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
-#include "bench_scene.h"
 #include "child_process.h"
 #include "reference_placement.h"
+#include "synthetic_scenes.h"
 
 namespace {
 

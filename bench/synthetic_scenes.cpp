@@ -1,9 +1,9 @@
-// The synthetic scenes and the whole pass of the benchmarks, declared in bench_scene.h.
+// The synthetic scenes and the whole pass of the benchmarks.
 #include <algorithm>
 #include <cmath>
 #include <random>
 
-#include "bench_scene.h"
+#include "synthetic_scenes.h"
 
 namespace kxbench {
 namespace {

@@ -184,6 +184,17 @@ TEST(RleBlock, RandomIndexesRoundTripThroughMemoryAndFiles) {
         ASSERT_EQ(LoadExact(loaded, block), index.BlockLength());
         EXPECT_EQ(Dump(loaded), Dump(index));
         EXPECT_EQ(SaveIndex(loaded), block);
+        // Cut anywhere, a block keeps its header and the whole levels before the cut.
+        const size_t cut = gen() % (block.size() + 1);
+        size_t end = block.size(), levels = 0;
+        for (int i = 0; i < loaded.LevelCount(); ++i)
+            end -= static_cast<size_t>(loaded.LevelAt(i)->BlockLength());
+        for (size_t next = end; cut >= end && static_cast<int>(levels) < loaded.LevelCount() &&
+                                (next += loaded.LevelAt(levels)->BlockLength()) <= cut;)
+            end = next, ++levels;
+        CRLEIndex part;
+        EXPECT_EQ(LoadExact(part, block, cut), cut < end ? 0 : static_cast<int>(end)) << cut;
+        EXPECT_EQ(part.LevelCount(), static_cast<int>(levels)) << cut;
         if (round % 10 != 0) continue;
         TempFile file;
         EXPECT_FALSE(index.Save(file.path.c_str()));  // never reports success
@@ -191,30 +202,6 @@ TEST(RleBlock, RandomIndexesRoundTripThroughMemoryAndFiles) {
         CRLEIndex fromFile;
         EXPECT_TRUE(fromFile.Load(file.path.c_str()));
         EXPECT_EQ(Dump(fromFile), Dump(index));
-    }
-}
-
-TEST(RleBlock, TruncatedBlocksKeepWholeLevelsOnly) {
-    CRLEIndex index;
-    index.Metadata(kSignature.data(), 2);
-    index.Append(SmallLevel());
-    auto* second = new CRLEIndexCreate();
-    second->Add(-5, 3, 9);
-    index.Append(second);
-    const Bytes block = SaveIndex(index);
-    ASSERT_EQ(block.size(), 10u + 36u + 32u);
-    for (size_t length = 0; length <= block.size(); ++length) {
-        CRLEIndex loaded;
-        const int levels = length < 46 ? 0 : length < block.size() ? 1 : 2;
-        const int expected = length < 10 ? 0 : levels == 0 ? 10 : levels == 1 ? 46 : 78;
-        EXPECT_EQ(LoadExact(loaded, block, length), expected) << "length " << length;
-        EXPECT_EQ(loaded.LevelCount(), levels) << "length " << length;
-    }
-    for (size_t length = 0; length < kSmallLevel.size(); ++length) {
-        CRLEIndexCreate level;
-        level.Add(1, 1);
-        EXPECT_EQ(LoadExact(level, kSmallLevel, length), 0) << "length " << length;
-        EXPECT_EQ(Dump(level), (std::vector<int>{0, 1, 1, 1, 1, 1}));
     }
 }
 
@@ -233,7 +220,10 @@ TEST(RleBlock, LevelLoadRefusesBadLengthsCountsAndBands) {
         {BE({24, 0, 5, 0, 0x7FFFFFFF, 0}), 0, 5, 0, 1, 0, false},   // rows beyond the bytes
         {BE({36, 0, 0, 7, 2, 1, 3, 3, 0x10000000}), 0, 0, 7, 1, 1, false},  // runs beyond the bytes
         {Cat({BE({21, 0, 1, 4, 0}), {0}}), 21, 1, 4, 0, 0, false},          // no rows: all consumed
+        // A band reaching past the largest row is refused; one ending on it is the largest there
+        // is.
         {kWrappingBand, 0, 9, 9, 1, 1, false},
+        {BE({36, 0, 3, 0x7FFFFFFE, 2, 0, 1, 5, 7}), 36, 3, 0x7FFFFFFE, 2, 3, false},
         {BE({24, 0, 0, 0, -1, 0}), 0, 0, 0, 0, 0, true},
         {BE({24, 0, 0, 0, 1, -2}), 0, 0, 0, 0, 0, true},
     };
@@ -262,6 +252,7 @@ TEST(RleBlock, IndexLoadStopsAtRefusedLevelAndKeepsMetadataOnBadHeader) {
     EXPECT_EQ(index.LevelCount(), 0);
     EXPECT_EQ(LoadExact(index, Cat({kHeader, kSmallLevel, BE({28, 0, 4, 3, 2, 0, 1, 4, 6})})), 44);
     EXPECT_EQ(Dump(index), (std::vector<std::vector<int>>{{2, 2}, {2, 10, 2, 1, 5, 7, 0}}));
+    EXPECT_EQ(LoadExact(index, Cat({kHeader, kSmallLevel, kWrappingBand})), 44);
     // A wrong signature, or a metadata length the block cannot hold: nothing read.
     const Bytes meta = {5, 6};
     index.Metadata(meta.data(), 2);
@@ -284,18 +275,4 @@ TEST(RleBlock, IndexLoadStopsAtRefusedLevelAndKeepsMetadataOnBadHeader) {
     EXPECT_FALSE(index.Load(file.path.c_str()));
     EXPECT_EQ(index.LevelCount(), 0);
     EXPECT_FALSE(index.Load((file.dir + "/rleidx-missing").c_str()));
-}
-
-// A band reaching past the largest row once loaded: its cursor listed cells that IsExist denied,
-// and a later Add asked for tens of gigabytes. One row less is the largest band there is.
-TEST(RleBlock, LevelWhoseBandWrapsPastTheLargestRowIsRefused) {
-    CRLEIndexCreate level;
-    Bytes largest = kWrappingBand;
-    largest[15] = 0xFE;
-    EXPECT_EQ(LoadExact(level, largest), 36);
-    EXPECT_EQ(level.EndRow(), 0x7FFFFFFF);
-    EXPECT_TRUE(level.IsExist(0x7FFFFFFF, 6));
-    CRLEIndex index;
-    EXPECT_EQ(LoadExact(index, Cat({kHeader, kSmallLevel, kWrappingBand})), 44);
-    EXPECT_EQ(index.LevelCount(), 1);
 }

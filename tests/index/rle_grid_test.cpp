@@ -24,15 +24,6 @@ Runs RunsOf(const Row& row) {
     return out;
 }
 
-Runs RunsOf(const std::set<int>& cells) {
-    Runs out;
-    for (int c : cells) {
-        if (out.empty() || out.back().second + 1LL != c) out.emplace_back(c, c);
-        out.back().second = c;
-    }
-    return out;
-}
-
 RLERowRuns RowOf(const Runs& runs) {
     RLERowRuns row;
     for (const auto& r : runs)
@@ -85,10 +76,6 @@ const RowCase kRowCases[] = {
 };
 using Cells = std::vector<std::vector<int>>;
 
-Runs RowOf(const CRLEIndexQuery& grid, int row) {
-    return grid.RowRuns(row) ? RunsOf(*grid.RowRuns(row)) : Runs{};
-}
-
 // Range's answer followed by its four outputs.
 std::vector<int> RangeOf(const CRLEIndexQuery& grid) {
     int r0 = 0, c0 = 0, r1 = 0, c1 = 0;
@@ -136,33 +123,6 @@ TEST(RleRow, EditsFollowTheMergeAndEraseRules) {
         CRLERow row(rows.begin(), rows.end());
         EXPECT_TRUE(c.add ? row.Add(c.a, c.b) : row.Erase(c.a, c.b));
         EXPECT_EQ(RunsOf(rows[0]), c.after);
-    }
-}
-
-TEST(RleRow, RandomCellEditsMatchSetOfCells) {
-    const unsigned seed = 23;
-    std::mt19937 gen(seed);
-    std::uniform_int_distribution<int> cell(-40, 40);
-    std::bernoulli_distribution add(0.6);
-    for (int round = 0; round < 200; ++round) {
-        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
-        RLERows rows(1);
-        CRLERow row(rows.begin(), rows.end());
-        std::set<int> model;
-        for (int step = 0; step < 150; ++step) {
-            const int x = cell(gen);
-            if (add(gen)) {
-                ASSERT_TRUE(row.Add(x));
-                model.insert(x);
-            } else {
-                const bool near = model.count(x - 1) || model.count(x) || model.count(x + 1);
-                ASSERT_EQ(row.Erase(x), near || model.empty()) << "x " << x;
-                model.erase(x);
-            }
-            ASSERT_EQ(RunsOf(rows[0]), RunsOf(model));
-        }
-        for (int x = -42; x <= 42; ++x)
-            ASSERT_EQ(row.IsExist(x), model.count(x) == 1) << "x " << x;
     }
 }
 
@@ -266,38 +226,6 @@ TEST(RleGrid, EmptyGridGrowsBandBothWaysOnlyWhenAsked) {
         EXPECT_EQ(grid.RowRuns(outside), nullptr) << outside;
     // A grid of empty rows is stored: Range succeeds but keeps the column sentinels.
     EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 2, 99999, 9, -99999}));
-}
-
-TEST(RleGrid, SpansExtentsLevelEraseOffsetAndClear) {
-    CRLEIndexCreate grid;
-    grid.Level(3);
-    EXPECT_TRUE(grid.Add(2, 3, 4));
-    grid.Add(5, 9, 1);
-    EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 2, 1, 6, 9}));
-    EXPECT_TRUE(grid.IsExist(3, 5, 2));
-    EXPECT_FALSE(grid.IsExist(7, 5, 2));  // another level's number
-    // Erasing never grows nor shrinks the band.
-    EXPECT_FALSE(grid.Erase(6, 1));
-    EXPECT_FALSE(grid.Erase(1, 0, 5));
-    EXPECT_TRUE(grid.Erase(5, 0, 100));
-    EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 2, 3, 6, 4}));
-    grid.Add(0, 0, 2);
-    grid.Add(0, 10, 12);
-    EXPECT_TRUE(grid.Add(0, 5, 25));  // the row itself reports false here
-    grid.Offset(-1, 10);
-    EXPECT_EQ(RowOf(grid, 1), (Runs{{13, 14}}));
-    EXPECT_EQ((std::vector<int>{grid.StartRow(), grid.RowCount()}), (std::vector<int>{-1, 6}));
-    grid.Clear();  // keeps the level and the start row until the next row
-    EXPECT_EQ((std::vector<int>{grid.IsEmpty(), grid.Level(), grid.StartRow()}),
-              (std::vector<int>{1, 3, -1}));
-    grid.Add(-4, 5);
-    EXPECT_EQ((std::vector<int>{grid.StartRow(), grid.Count()}), (std::vector<int>{-4, 1}));
-    CRLEIndexCreate far;
-    far.Add(-7, 200000, 100000);
-    far.Add(-3, -150000);
-    EXPECT_EQ(RangeOf(far), (std::vector<int>{1, -7, -150000, -2, 200000}));
-    far.Add(-2, 0, INT_MAX);
-    EXPECT_EQ(far.Count(), static_cast<int>(0x80000000u + 100001u + 1u));  // wraps
 }
 
 TEST(RleGrid, RandomCellsMatchSetOfCellsAndCursorYieldsThemInOrder) {

@@ -1,10 +1,8 @@
-// Boxes, the transform from map units to cells, and the avoid object's offsets and extents.
+// Boxes, the avoid object's offsets and extents, and the canvas a raster takes from its transform.
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cmath>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -37,34 +35,6 @@ TEST(Box, EmptyBoxCentreIntersectAndUnion) {
     EXPECT_EQ(Location(3, 4).RevOffset(Location(1, 1)).Offset(2, -5), Location(4, -2));
 }
 
-std::vector<double> Extent(const CDT& dt) {
-    return {dt.resolution, dt.minX, dt.minY, dt.maxX, dt.maxY};
-}
-
-TEST(Transform, FitsExtentToTheDeviceAndMapsTowardZero) {
-    CDT dt;
-    FitDeviceRect(dt, 10, 20, 110, 70);
-    FitMapExtent(dt, 0, 0, 1000, 1000);
-    EXPECT_EQ(Extent(dt), (std::vector<double>{20, -500, 0, 1500, 1000}));
-    FitDeviceRect(dt, 0, 0, 200, 50);  // refits the held extent -500..1500 x 0..1000
-    EXPECT_EQ(Extent(dt), (std::vector<double>{20, -1500, 0, 2500, 1000}));
-    CDT m;
-    m.minX = 1000, m.maxY = 2000, m.resolution = 2;
-    const std::vector<int> cells = {MapToCellX(m, 1003), MapToCellY(m, 1995), MapToCellX(m, 999),
-                                    MapToCellY(m, 2001), MapToCellX(m, 997)};
-    m.originX = 5;
-    EXPECT_EQ(cells, (std::vector<int>{1, 2, 0, 0, -1}));
-    EXPECT_EQ(MapToCellX(m, 1003), 6);
-    // NaN and values outside 32 bits give the most negative int.
-    const std::pair<double, int> rows[] = {
-        {2147483647.9, INT32_MAX}, {-2147483648.9, INT32_MIN}, {2147483648.0, INT32_MIN}};
-    for (auto [v, cell] : rows)
-        EXPECT_EQ(kxac::TruncToInt(v), cell) << v;
-    CDT zero;  // resolution 0: infinities and NaN
-    EXPECT_EQ(std::make_pair(MapToCellX(zero, 5), MapToCellX(zero, 0)),
-              std::make_pair(INT32_MIN, INT32_MIN));
-}
-
 TEST(AvoidObject, ResetOffsetsAndExtents) {
     CAvoidObject obj;
     EXPECT_EQ(obj.Offset(), Location(0, 0));  // never reset: no offsets at all
@@ -92,20 +62,6 @@ TEST(AvoidObject, ResetOffsetsAndExtents) {
     EXPECT_EQ(obj.Offset(), Location(0, 0));
     obj.OffsetCollection().emplace_back(9, 9);
     EXPECT_EQ(obj.Offset(), Location(9, 9));
-}
-
-TEST(AvoidObject, MapBoxesTruncateTowardZeroUnsorted) {
-    CDT dt;
-    dt.width = dt.height = 100;
-    dt.minX = 1000, dt.maxY = 2000, dt.resolution = 2;
-    CAvoidObject obj;
-    obj.Reset();
-    obj.AddBox(Envelope{1, 2, 3, 4});  // no transform: nothing
-    obj.DT(&dt);
-    // (1003, 1995) is cell (1, 2); (999, 2001) is (-0.5, -0.5), truncated to (0, 0).
-    obj.AddBox(Envelope{1003, 1995, 999, 2001});
-    obj.AddBox(Envelope{std::numeric_limits<double>::quiet_NaN(), -1e300, 1e300, 1990});
-    EXPECT_EQ(obj.Boxes(), (std::vector<Box>{Box(1, 2, 0, 0), Box(INT_MIN, INT_MIN, INT_MIN, 5)}));
 }
 
 // A raster target that only reports its canvas, the clip bounds of its sweeps.

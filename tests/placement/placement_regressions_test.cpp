@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <random>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "placement/AvoidContainer.h"
@@ -46,31 +45,6 @@ TEST(ObjectLifetime, RecycledPlacedObjectHandedOutAndDeletedIsNeverReadAgain) {
         }
         delete c;
     }
-}
-
-// The objects of a container draw with one rasterizer, but the limit on cell blocks stays each
-// object's own: an object whose polygon ran out of blocks draws nothing more, its neighbours do.
-TEST(RleRaster, BlockLimitStaysWithTheObjectThatReachedIt) {
-    CPriorityAvoidContainer c;
-    c.DT()->width = 64;
-    c.DT()->height = 32000;
-    CAvoidObject* greedy = c.NewObject();
-    CAvoidObject* other = c.NewObject();
-    // A zigzag whose edges cross every row: more cells than 1024 blocks of 4096 hold.
-    std::vector<int> zigzag;
-    for (int i = 0; i < 300; ++i)
-        zigzag.insert(zigzag.end(), {i % 60, i % 2 == 0 ? 0 : 31999});
-    greedy->AddRing(zigzag.data(), static_cast<int>(zigzag.size()));
-    int triangle[] = {10, 10, 30, 10, 10, 30};
-    other->AddRing(triangle, 6);
-    EXPECT_TRUE(other->Grid().IsExist(12, 12));
-    greedy->Reset();
-    greedy->AddRing(triangle, 6);
-    EXPECT_TRUE(greedy->Grid().IsEmpty());
-    AddSquare(other, 10, 10, 10, 10);
-    EXPECT_TRUE(other->Grid().IsExist(19, 19));
-    delete greedy;
-    delete other;
 }
 
 // Rectangles on cell corners (rings in either direction, strokes along an axis with a whole
@@ -149,45 +123,6 @@ TEST(CellRectangle, RectanglesOnCellCornersSkipTheSweep) {
     obj->AddRing(triangle, 6);
     EXPECT_GT(outline.cell_count(), 0u);
     c.Recycle(obj);
-}
-
-// The canvas bitmap against a plain array of cells: spans across word boundaries, at the last
-// column of a row whose width is no multiple of 64, over several rows at once, and clearing of
-// the rows drawn in.
-TEST(Occupancy, SpansMatchAnArrayOfCellsAcrossWordsAndClears) {
-    std::mt19937 rng(7);
-    for (const long long columns : {1LL, 63LL, 64LL, 65LL, 200LL}) {
-        const long long rows = 5;
-        kxac::Occupancy bits;
-        bits.Cover(columns, rows);
-        ASSERT_EQ(std::make_pair(bits.Columns(), bits.Rows()), std::make_pair(columns, rows));
-        std::vector<bool> cells(static_cast<size_t>(columns * rows));
-        const auto span = [&](long long n) {
-            long long a = std::uniform_int_distribution<long long>(0, n - 1)(rng),
-                      b = std::uniform_int_distribution<long long>(0, n - 1)(rng);
-            return std::make_pair(std::min(a, b), std::max(a, b));
-        };
-        for (int round = 0; round < 300; ++round) {
-            const auto [top, bottom] = span(rows);
-            const auto [a, b] = span(columns);
-            bool one = false, all = false;
-            for (long long y = top; y <= bottom; ++y) {
-                for (long long x = a; x <= b; ++x)
-                    all = all || cells[static_cast<size_t>(y * columns + x)];
-                one = one || (y == top && all);
-            }
-            ASSERT_EQ(std::make_pair(bits.Any(top, a, b), bits.Any(top, bottom, a, b)),
-                      std::make_pair(one, all))
-                << columns << " rows " << top << "-" << bottom << " columns " << a << "-" << b;
-            for (long long x = a; round % 3 == 0 && x <= b; ++x)
-                cells[static_cast<size_t>(top * columns + x)] = true;
-            if (round % 3 == 0) bits.Set(top, a, b);
-        }
-        bits.Clear();
-        EXPECT_FALSE(bits.Any(0, rows - 1, 0, columns - 1));
-        for (long long row = 0; row < rows; ++row)
-            EXPECT_FALSE(bits.Any(row, 0, columns - 1));
-    }
 }
 
 TEST(Occupancy, LargeCanvasesAreCoveredOnlyInPart) {

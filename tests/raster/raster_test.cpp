@@ -1,5 +1,5 @@
 // The outline's cells against a closed-form model of each edge, the sweep's runs against
-// point-in-polygon, and the fixed rules of coverage, clipping, hit tests, gamma and cell storage.
+// point-in-polygon, and the fixed rules of clipping, hit tests, gamma and cell storage.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -201,25 +201,6 @@ TEST(Outline, BoundsCountTouchedRowsAndColumns) {
     EXPECT_EQ(bounds(next), (std::vector<int>{4, 0, 6, 2}));
 }
 
-// Rows or columns beyond 16 bits give keys that differ from the stored, truncated coordinates:
-// cells still come in key order.
-TEST(Outline, CellsComeSortedBeyondSixteenBits) {
-    const int boxes[][2] = {{100, 32700}, {32700, 100}};
-    for (uint32_t seed = 1; seed <= 50; ++seed) {
-        std::mt19937 rng(seed);
-        for (const auto& b : boxes) {
-            SCOPED_TRACE("seed " + std::to_string(seed) + " box at " + std::to_string(b[0]));
-            Points pts;
-            for (int i = 0; i < 5; ++i)
-                pts.emplace_back(b[0] * kCell + rng() % (100 * kCell),
-                                 b[1] * kCell + rng() % (100 * kCell));
-            agg::outline o;
-            Polygon(o, pts);
-            EXPECT_FALSE(CheckedCells(o).empty());
-        }
-    }
-}
-
 TEST(Outline, EdgesAfterCellsAreIgnoredUntilMoveToAndResetDropsTheOpenContour) {
     agg::outline o;
     Rect(o, 0, 0, 3 * kCell + 5, 2 * kCell + 7);
@@ -238,26 +219,6 @@ TEST(Outline, EdgesAfterCellsAreIgnoredUntilMoveToAndResetDropsTheOpenContour) {
     for (agg::outline* p : {&o, &fresh})
         Rect(*p, 3 * kCell + 5, kCell, 9 * kCell + 200, 6 * kCell + 1);
     EXPECT_EQ(Sums(o), Sums(fresh));
-}
-
-TEST(Outline, ResetAndReleaseReuseTheBlocksBelowTheLimit) {
-    // More polygons than the block limit, each needing two blocks: only a reuse of the blocks in
-    // order (kept by reset, or allocated afresh after release) lets the last one store its cells.
-    // Tall and thin, they have far more rows than cells per row: still sorted by key.
-    for (bool release : {false, true}) {
-        agg::outline o;
-        unsigned first = 0;
-        for (int i = 0; i < 1100; ++i) {
-            release ? o.release() : o.reset();
-            Polygon(
-                o,
-                {{kCell / 2, 0}, {kCell / 2 + 300, 2500 * kCell}, {kCell / 2 + 100, 2500 * kCell}});
-            ASSERT_NE(o.cells(), nullptr) << "polygon " << i << " release " << release;
-            if (i == 0) first = static_cast<unsigned>(CheckedCells(o).size());
-            ASSERT_EQ(o.cell_count(), first) << "polygon " << i << " release " << release;
-        }
-        EXPECT_GT(first, static_cast<unsigned>(agg::outline::block_cells));
-    }
 }
 
 TEST(Outline, BlockLimitDropsCellsForeverEvenAfterReleaseButPerLender) {
@@ -287,22 +248,6 @@ TEST(Outline, BlockLimitDropsCellsForeverEvenAfterReleaseButPerLender) {
     lent.reset();
     Rect(lent, 0, 0, 5 * kCell + 3, 5 * kCell + 3);
     EXPECT_EQ(lent.cells(), nullptr);
-}
-
-TEST(Rasterizer, CoverageUnderBothFillRules) {
-    struct Row {
-        int rule, area;
-        unsigned coverage;
-    };
-    // Even-odd wraps at 512 cells' worth of area; any rule but 1 is non-zero.
-    const Row rows[] = {{0, 300 << 9, 255}, {0, -(100 << 9), 100}, {1, 300 << 9, 212},
-                        {1, 512 << 9, 0},   {1, 256 << 9, 255},    {2, 512 << 9, 255}};
-    agg::rasterizer ras;
-    EXPECT_EQ(ras.fill_rule(), 0);
-    for (const Row& r : rows) {
-        ras.fill_rule(r.rule);
-        EXPECT_EQ(ras.calculate_coverage(r.area), r.coverage) << r.rule << " " << r.area;
-    }
 }
 
 TEST(Rasterizer, HitTestIncludesTheCellRightOfARun) {

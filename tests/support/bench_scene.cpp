@@ -93,19 +93,14 @@ const MapData& WorldData() {
     return data;
 }
 
-std::vector<Location> ClassicOffsets(const Box& rightOfPoint, const Location& point,
-                                     int clearance) {
-    const int w = rightOfPoint.Width(), h = rightOfPoint.Height();
-    int centred = point.x - w / 2 - rightOfPoint.left;
-    return {Location(-w - 2 * clearance, 0),
-            Location(centred, point.y - clearance - h - rightOfPoint.top),
-            Location(centred, point.y + clearance - rightOfPoint.top)};
-}
-
 Label LabelRightOf(int x, int y, int width) {
-    Box box(x + kClearance, y - kLabelHeight / 2, x + kClearance + width - 1,
-            y - kLabelHeight / 2 + kLabelHeight - 1);
-    return {box, ClassicOffsets(box, Location(x, y), kClearance)};
+    const Box box(x + kClearance, y - kLabelHeight / 2, x + kClearance + width - 1,
+                  y - kLabelHeight / 2 + kLabelHeight - 1);
+    const int centred = x - width / 2 - box.left;
+    return {box,
+            {Location(-width - 2 * kClearance, 0),
+             Location(centred, y - kClearance - kLabelHeight - box.top),
+             Location(centred, y + kClearance - box.top)}};
 }
 
 std::vector<std::vector<int>> SplitPolyline(const std::vector<int>& xy, int maxSpan) {

@@ -1,14 +1,11 @@
-// Scenes for the placement benchmarks: synthetic labels and the real map data, in canvas cells.
+// Scenes of the placement tests and benchmarks, in canvas cells: the real map data here, the
+// synthetic labels in bench/synthetic_scenes.h.
 //
 // A scene is what a renderer hands to one placement pass: forced obstacles (city dots as small
 // rings, border and coast pieces as stroked lines) and labels in order of priority, each a
-// rectangle rasterised as a ring with candidate offsets behind the implicit (0, 0). Generators
-// take fixed seeds so that runs compare.
+// rectangle rasterised as a ring with candidate offsets behind the implicit (0, 0).
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <string>
 #include <vector>
 
 #include "placement/AvoidContainer.h"
@@ -51,11 +48,9 @@ const MapData& WorldData();
 // a label each with its width estimated from the name's length.
 Scene WorldCities(int cities);
 
-// The classic candidates of a label box that stands right of a point at the given clearance:
-// left, above and below, as offsets from the box (the box itself is the first candidate).
-std::vector<Location> ClassicOffsets(const Box& rightOfPoint, const Location& point, int clearance);
 // A label of the given width, 13 cells high, right of the point (x, y) at a clearance of 4 cells
-// and centred on its row, with its classic candidates.
+// and centred on its row, with the classic candidates as offsets from the box: left of the point,
+// above it and below it, both centred.
 Label LabelRightOf(int x, int y, int width);
 
 // Splits a polyline into pieces at most maxSpan cells across; consecutive pieces share a vertex
@@ -67,23 +62,5 @@ void FitToScene(CAvoidContainer& c, const Scene& s);
 // Adds one label with the given numeric ID: its box as a ring, with its candidate offsets behind
 // (0, 0).
 void AddLabel(CAvoidContainer& c, const Label& l, long long id = 0);
-
-// The synthetic scenes and the whole pass, built into the benchmarks only
-// (bench/synthetic_scenes.cpp).
-
-// n labels of random sizes, spread evenly over a square canvas that keeps the density constant.
-Scene UniformLabels(int n, uint32_t seed);
-// n labels gathered around n / 100 centres (at least one), normally distributed: dense towns.
-Scene ClusteredLabels(int n, uint32_t seed);
-
-struct PassCounts {
-    size_t placed = 0;
-    size_t unplaced = 0;
-};
-
-// One whole pass: builds every footprint, adds the forced obstacles and then the first
-// maxLabels labels, reads the counts, and resets the container. The scene is not changed; the
-// library's footprint calls take their vertices through non-const pointers.
-PassCounts RunPass(CAvoidContainer& c, Scene& s, size_t maxLabels);
 
 }  // namespace kxbench
