@@ -17,7 +17,9 @@ a sample of 150 mutants takes an hour or more on two cores.
 With --only PREFIX it takes only mutants of the sources whose path starts with PREFIX (e.g.
 src/index), shuffled by the same seed. With --recheck REPORT it tests only the survivors of an
 earlier report against today's sources and tests (each found by its original line), to see which
-of them later tests kill.
+of them later tests kill. With --kill-table FILE every test of the suites runs on every mutant
+(no stop at the first failure) and the tests that failed on each go to FILE as JSON: a test that
+is never the only one to fail adds no kill to the sample.
 """
 
 import argparse
@@ -31,6 +33,7 @@ import shutil
 import subprocess
 import sys
 import time
+import xml.etree.ElementTree as ET
 from pathlib import Path
 
 TOOL = "universalmutator==1.14.1"
@@ -140,6 +143,15 @@ def survivors_of(report, tree):
     return found
 
 
+def failed_tests(junit):
+    """The names of the tests that failed or timed out, from ctest's JUnit report."""
+    if not junit.exists():
+        return []
+    cases = ET.parse(junit).getroot().iter("testcase")
+    return sorted(c.get("name").split(" #")[0] for c in cases
+                  if c.find("failure") is not None or c.get("status") == "fail")
+
+
 def copy_tree(repo, tree):
     files = run(["git", "-C", str(repo), "ls-files", "--cached", "--others", "--exclude-standard",
                  "-z"]).stdout.split("\0")
@@ -166,6 +178,10 @@ def main():
     ap.add_argument("--recheck", metavar="REPORT",
                     help="test only the survivors listed in an earlier report, found in today's "
                          "sources by their original line, against today's tests")
+    ap.add_argument("--kill-table", metavar="FILE",
+                    help="run every test on every mutant (no stop at the first failure) and write "
+                         "which tests failed on each to FILE (JSON), to see which tests are the "
+                         "only ones to catch a fault")
     ap.add_argument("--only", metavar="PREFIX",
                     help="take only mutants of sources whose path starts with PREFIX "
                          "(e.g. src/index)")
@@ -214,7 +230,7 @@ def main():
     print(f"mutate: {len(pool)} mutants of {len(files)} files, seed {args.seed}, "
           f"taking the first {args.mutants} that compile", flush=True)
 
-    killed, survivors, not_compiling, compiled = 0, [], 0, 0
+    killed, survivors, not_compiling, compiled, table = 0, [], 0, 0, []
     started = time.time()
     for rel, line, text in pool:
         if compiled >= args.mutants:
@@ -233,10 +249,17 @@ def main():
                 not_compiling += 1
                 continue
             compiled += 1
+            junit = work / "junit.xml"
+            junit.unlink(missing_ok=True)
             tested = run(["ctest", "--test-dir", str(build), "-j", str(args.jobs),
-                          "--stop-on-failure", "--timeout", str(args.test_timeout), "-LE", "slow",
-                          "-L", "^(" + "|".join(suites["labels"]) + ")$"],
+                          *([] if args.kill_table else ["--stop-on-failure"]),
+                          "--output-junit", str(junit), "--timeout", str(args.test_timeout),
+                          "-LE", "slow", "-L", "^(" + "|".join(suites["labels"]) + ")$"],
                          timeout=args.mutant_timeout, env=env)
+            if args.kill_table:
+                table.append({"file": rel, "line": line, "mutant": text.strip(),
+                              "failed": failed_tests(junit)})
+                Path(args.kill_table).write_text(json.dumps(table, indent=1) + "\n")
             outcome = "killed" if tested.returncode != 0 else "SURVIVED"
             if tested.returncode == 0:
                 survivors.append((rel, line, before.strip(), text.strip()))

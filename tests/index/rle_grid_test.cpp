@@ -166,42 +166,23 @@ TEST(RleRowRuns, RandomEditsMatchStdVector) {
             edit(runs);
             edit(model);
         };
-        switch (uniform(0, 9)) {
-            case 0:
-            case 1:
-                both([&](auto& v) { v.insert(v.begin() + i, run); });
-                break;
-            case 2:  // an element of the vector itself, inserted into it
-                if (n > 0) both([&](auto& v) { v.insert(v.begin() + i, v[last]); });
-                break;
-            case 3:
-            case 4:
-                both([&](auto& v) {
-                    v.erase(v.begin() + std::min(i, j), v.begin() + std::max(i, j));
-                });
-                break;
-            case 5:
-                both([&](auto& v) { v.push_back(run); });
-                break;
-            case 6:
-                both([&](auto& v) { i == 0 ? v.clear() : v.assign(1, run); });
-                break;
-            case 7:
-                runs.swap(other);
-                model.swap(otherModel);
-                break;
-            case 8: {  // exchanged through a copy and a move
-                RLERowRuns copy(runs);
-                RLERowRuns moved(std::move(other));
-                other = copy;
-                runs = std::move(moved);
-                std::swap(model, otherModel);
-                break;
-            }
-            default:
-                if (n > 0) both([&](auto& v) { v.erase(v.begin() + last); });
-                break;
+        const int op = uniform(0, 9);
+        if (op <= 1) both([&](auto& v) { v.insert(v.begin() + i, run); });
+        // An element of the vector itself, inserted into it.
+        if (op == 2 && n > 0) both([&](auto& v) { v.insert(v.begin() + i, v[last]); });
+        if (op == 3 || op == 4)
+            both([&](auto& v) { v.erase(v.begin() + std::min(i, j), v.begin() + std::max(i, j)); });
+        if (op == 5) both([&](auto& v) { v.push_back(run); });
+        if (op == 6) both([&](auto& v) { i == 0 ? v.clear() : v.assign(1, run); });
+        if (op == 7) runs.swap(other), model.swap(otherModel);
+        if (op == 8) {  // exchanged through a copy and a move
+            RLERowRuns copy(runs);
+            RLERowRuns moved(std::move(other));
+            other = copy;
+            runs = std::move(moved);
+            std::swap(model, otherModel);
         }
+        if (op == 9 && n > 0) both([&](auto& v) { v.erase(v.begin() + last); });
         ASSERT_EQ(RunsOf(runs), RunsOf(model)) << "step " << step;
         ASSERT_EQ(RunsOf(other), RunsOf(otherModel)) << "step " << step;
         ASSERT_GE(runs.capacity(), runs.size());

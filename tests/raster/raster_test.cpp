@@ -252,6 +252,7 @@ TEST(Outline, BlockLimitDropsCellsForeverEvenAfterReleaseButPerLender) {
 
 TEST(Rasterizer, HitTestIncludesTheCellRightOfARun) {
     agg::rasterizer ras;
+    EXPECT_EQ(ras.fill_rule(), 0);  // non-zero winding unless told otherwise
     EXPECT_FALSE(ras.hit_test(0, 0));
     Rect(ras.get_outline(), 2 * kCell, kCell, 5 * kCell, 2 * kCell);  // cells 2..4 of row 1
     EXPECT_EQ((std::vector<bool>{ras.hit_test(3, 1), ras.hit_test(5, 1), ras.hit_test(6, 1),
