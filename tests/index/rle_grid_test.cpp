@@ -209,6 +209,23 @@ TEST(RleGrid, EmptyGridGrowsBandBothWaysOnlyWhenAsked) {
     EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 2, 99999, 9, -99999}));
 }
 
+// Erasing never grows nor shrinks the band; an offset moves every run; Clear keeps the level and
+// the start row until the next row.
+TEST(RleGrid, EraseOffsetAndClear) {
+    CRLEIndexCreate grid;
+    grid.Level(3);
+    grid.Add(2, 3, 4);
+    grid.Add(5, 9, 1);
+    EXPECT_FALSE(grid.Erase(6, 1));
+    EXPECT_TRUE(grid.Erase(5, 0, 100));
+    EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 2, 3, 6, 4}));
+    grid.Offset(-1, 10);
+    EXPECT_EQ(RangeOf(grid), (std::vector<int>{1, 1, 13, 5, 14}));
+    grid.Clear();
+    EXPECT_EQ((std::vector<int>{grid.IsEmpty(), grid.Level(), grid.StartRow()}),
+              (std::vector<int>{1, 3, 1}));
+}
+
 TEST(RleGrid, RandomCellsMatchSetOfCellsAndCursorYieldsThemInOrder) {
     const unsigned seed = 19;
     std::mt19937 gen(seed);

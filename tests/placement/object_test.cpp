@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <tuple>
@@ -62,6 +63,30 @@ TEST(AvoidObject, ResetOffsetsAndExtents) {
     EXPECT_EQ(obj.Offset(), Location(0, 0));
     obj.OffsetCollection().emplace_back(9, 9);
     EXPECT_EQ(obj.Offset(), Location(9, 9));
+}
+
+// The map extent is fitted to the device rect, from its corner, and refitted when the rect
+// changes. Map points and boxes (left unsorted) truncate toward zero; NaN, infinities and values
+// past 32 bits give the most negative int.
+TEST(Transform, FitsExtentToTheDeviceAndMapsTowardZero) {
+    CDT dt;
+    FitDeviceRect(dt, 10, 20, 110, 70);
+    FitMapExtent(dt, 0, 0, 1000, 1000);
+    EXPECT_EQ((std::vector<double>{dt.resolution, dt.minX, dt.maxX, dt.minY, dt.maxY}),
+              (std::vector<double>{20, -500, 1500, 0, 1000}));
+    EXPECT_EQ(std::make_pair(MapToCellX(dt, 0), MapToCellY(dt, 1000)), std::make_pair(35, 20));
+    FitDeviceRect(dt, 0, 0, 200, 50);  // refits the held extent -500..1500 x 0..1000
+    EXPECT_EQ(std::make_pair(dt.minX, dt.maxX), std::make_pair(-1500.0, 2500.0));
+    CAvoidObject obj;
+    obj.Reset();
+    obj.AddBox(Envelope{1, 2, 3, 4});  // no transform: nothing
+    obj.DT(&dt);
+    obj.AddBox(Envelope{-1470, 990, -1530, 1010});  // (1.5, 0.5) to (-1.5, -0.5)
+    obj.AddBox(Envelope{std::nan(""), -1e300, 1e300, 990});
+    EXPECT_EQ(obj.Boxes(), (std::vector<Box>{Box(1, 0, -1, 0), Box(INT_MIN, INT_MIN, INT_MIN, 0)}));
+    EXPECT_EQ((std::vector<int>{kxac::TruncToInt(2147483647.9), kxac::TruncToInt(-2147483648.9),
+                                kxac::TruncToInt(2147483648.0)}),
+              (std::vector<int>{INT_MAX, INT_MIN, INT_MIN}));
 }
 
 // A raster target that only reports its canvas, the clip bounds of its sweeps.

@@ -177,8 +177,8 @@ TEST(CollisionRules, BothWays) {
 
 // Probes of an object with cells (1, 0), (9, 9) and, when `centre`, (0, 0), and the box
 // (5, 5)-(6, 6): the quarter search on its own cells, and the box test, where the coarse extent
-// (0, 0)-(9, 9) decides first. Then the column scan against a cell of another grid.
-TEST(CollisionProbes, QuarterSearchBoxTestAndCellScan) {
+// (0, 0)-(9, 9) decides first.
+TEST(CollisionProbes, QuarterSearchAndBoxTest) {
     struct Probe {
         bool centre;
         Box box;
@@ -198,14 +198,6 @@ TEST(CollisionProbes, QuarterSearchBoxTestAndCellScan) {
         EXPECT_EQ(a.IsExistRLE(p.box), p.exist) << p.box.left << "," << p.box.top;
         EXPECT_EQ(a.IsIntersect(box), p.intersect) << p.box.left << "," << p.box.top;
     }
-    CAvoidObject a, b;
-    Build(a, "1:2-2");
-    Build(b, "1:2-2");
-    auto* other = const_cast<CRLEIndexQuery*>(&b.Grid());
-    EXPECT_TRUE(a.IsExistRLE2(other, Box(0, 0, 2, 1), Location()));  // the last cell scanned
-    EXPECT_TRUE(a.IsExistRLE(other, Box(0, 0, 2, 1), Location()));
-    EXPECT_FALSE(a.IsExistRLE2(other, Box(0, 0, 2, 1), Location(1, 0)));
-    EXPECT_FALSE(a.IsExistRLE2(other, Box(2, 1, 0, 1), Location()));  // inverted: nothing
 }
 
 // The quartering search, plainly: the centre, then the four quarters, where a quarter equal to

@@ -104,33 +104,25 @@ Label LabelRightOf(int x, int y, int width) {
 }
 
 std::vector<std::vector<int>> SplitPolyline(const std::vector<int>& xy, int maxSpan) {
-    std::vector<int> pts;
-    pts.reserve(xy.size());
-    for (size_t i = 0; i + 1 < xy.size(); i += 2) {
-        size_t n = pts.size();
-        if (n >= 2 && pts[n - 2] == xy[i] && pts[n - 1] == xy[i + 1]) continue;
-        pts.push_back(xy[i]);
-        pts.push_back(xy[i + 1]);
-    }
     std::vector<std::vector<int>> pieces;
-    size_t count = pts.size() / 2;
-    if (count < 2) return pieces;
-    size_t start = 0;
-    Box span(pts[0], pts[1], pts[0], pts[1]);
-    for (size_t i = 1; i < count; ++i) {
-        Box grown = span;
-        grown.Union(Box(pts[2 * i], pts[2 * i + 1], pts[2 * i], pts[2 * i + 1]));
-        bool tooWide = static_cast<long long>(grown.right) - grown.left > maxSpan ||
-                       static_cast<long long>(grown.bottom) - grown.top > maxSpan;
-        if (tooWide && i - 1 > start) {
-            pieces.emplace_back(pts.begin() + 2 * start, pts.begin() + 2 * i);
-            start = i - 1;
-            grown = Box(pts[2 * start], pts[2 * start + 1], pts[2 * start], pts[2 * start + 1]);
-            grown.Union(Box(pts[2 * i], pts[2 * i + 1], pts[2 * i], pts[2 * i + 1]));
+    std::vector<int> piece;
+    Box span;  // of the piece with the next point
+    for (size_t i = 0; i + 1 < xy.size(); i += 2) {
+        const size_t n = piece.size();
+        const Box point(xy[i], xy[i + 1], xy[i], xy[i + 1]);
+        if (n >= 2 && piece[n - 2] == xy[i] && piece[n - 1] == xy[i + 1]) continue;
+        span = n == 0 ? point : span;
+        span.Union(point);
+        if (n >= 4 && (static_cast<long long>(span.right) - span.left > maxSpan ||
+                       static_cast<long long>(span.bottom) - span.top > maxSpan)) {
+            pieces.push_back(piece);
+            piece.erase(piece.begin(), piece.end() - 2);
+            span = Box(piece[0], piece[1], piece[0], piece[1]);
+            span.Union(point);
         }
-        span = grown;
+        piece.insert(piece.end(), {xy[i], xy[i + 1]});
     }
-    pieces.emplace_back(pts.begin() + 2 * start, pts.end());
+    if (piece.size() >= 4) pieces.push_back(piece);
     return pieces;
 }
 
@@ -139,12 +131,12 @@ Scene WorldCities(int cities) {
     size_t n = data.cities.size();
     if (cities > 0) n = std::min(n, static_cast<size_t>(cities));
     Scene s{kWorldWidth, kWorldHeight, {}, {}};
-    for (size_t i = 0; i < n; ++i)
-        s.forced.push_back(Dot(WorldX(data.cities[i].lon), WorldY(data.cities[i].lat)));
+    for (const City& c : std::vector<City>(data.cities.begin(), data.cities.begin() + n)) {
+        s.forced.push_back(Dot(WorldX(c.lon), WorldY(c.lat)));
+        s.labels.push_back(LabelRightOf(WorldX(c.lon), WorldY(c.lat), 7 * c.nameLength + 2));
+    }
     AddPieces(data.borders, s);
     AddPieces(data.coast, s);
-    for (const City& c : std::vector<City>(data.cities.begin(), data.cities.begin() + n))
-        s.labels.push_back(LabelRightOf(WorldX(c.lon), WorldY(c.lat), 7 * c.nameLength + 2));
     return s;
 }
 
