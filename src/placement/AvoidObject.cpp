@@ -174,9 +174,8 @@ void CAvoidObject::AddRLE(int row, int first, int last) {
 
 void CAvoidObject::RecordMaxRLE() {
     Changed();
-    m_runExtent = HoldsRectangle() ? Box(m_rectangleRun.start, m_rectangleTop, m_rectangleRun.end,
-                                         m_rectangleBottom)
-                                   : Box(StartCol(), StartRow(), EndCol(), EndRow());
+    Box held;
+    m_runExtent = HeldRectangle(held) ? held : Box(StartCol(), StartRow(), EndCol(), EndRow());
 }
 
 CDT* CAvoidObject::DT() { return CRLERaster::DT(); }

@@ -45,15 +45,7 @@ public:
     }
     // Whether any cell first .. last of a covered row is set.
     bool Any(long long row, long long first, long long last) const {
-        assert(Covers(first, row, last, row));
-        const uint64_t* words = Row(row);
-        const long long w0 = first >> 6, w1 = last >> 6;
-        if (w0 == w1) return (words[w0] & Mask(first & 63, last & 63)) != 0;
-        if ((words[w0] & Mask(first & 63, 63)) != 0) return true;
-        for (long long w = w0 + 1; w < w1; ++w) {
-            if (words[w] != 0) return true;
-        }
-        return (words[w1] & Mask(0, last & 63)) != 0;
+        return Any(row, row, first, last);
     }
     // Whether any cell of columns first .. last in rows top .. bottom is set; the rectangle must
     // lie inside the covered cells.

@@ -186,9 +186,7 @@ TEST(RleBlock, RandomIndexesRoundTripThroughMemoryAndFiles) {
         EXPECT_EQ(SaveIndex(loaded), block);
         // Cut anywhere, a block keeps its header and the whole levels before the cut.
         const size_t cut = gen() % (block.size() + 1);
-        size_t end = block.size(), levels = 0;
-        for (int i = 0; i < loaded.LevelCount(); ++i)
-            end -= static_cast<size_t>(loaded.LevelAt(i)->BlockLength());
+        size_t end = 8 + static_cast<size_t>(index.MetaData(nullptr, 0)), levels = 0;  // header
         for (size_t next = end; cut >= end && static_cast<int>(levels) < loaded.LevelCount() &&
                                 (next += loaded.LevelAt(levels)->BlockLength()) <= cut;)
             end = next, ++levels;
