@@ -5,8 +5,11 @@ Generates every mutant of the sources of src/ (the Java binding left out) with u
 installed from PyPI into a virtual environment of the build folder; shuffles them with a fixed
 seed; and takes them in that order until the requested number compiled. Each mutant is written
 into a copy of the repository, the test suites of its layer (and of the layers above it) are
-rebuilt, and ctest runs their unit tests, stopping at the first failure. A mutant is killed when
-a test fails or times out, and survives when all pass.
+rebuilt, and ctest runs their unit tests, stopping at the first failure. A mutant that passes
+them is built once more the way `make test` builds its second tree (Debug, AddressSanitizer and
+UndefinedBehaviorSanitizer, which also catch leaks and fire asserts) and the same tests run there.
+A mutant is killed when a test fails or times out in either build, and survives when all pass in
+both. --no-sanitize leaves the second build out.
 
 Prints one line per mutant, then killed / compiling and every survivor (file:line, the original
 and the mutated line); the same goes to report.txt in the build folder. Not part of `make test`:
@@ -182,6 +185,8 @@ def main():
                     help="run every test on every mutant (no stop at the first failure) and write "
                          "which tests failed on each to FILE (JSON), to see which tests are the "
                          "only ones to catch a fault")
+    ap.add_argument("--no-sanitize", action="store_true",
+                    help="judge mutants by the plain Release build alone")
     ap.add_argument("--only", metavar="PREFIX",
                     help="take only mutants of sources whose path starts with PREFIX "
                          "(e.g. src/index)")
@@ -196,23 +201,28 @@ def main():
     mutate = ensure_tool(work)
     copy_tree(repo, tree)
     env = dict(os.environ)
-    configure = ["cmake", "-S", str(tree), "-B", str(build), "-G", "Ninja",
-                 "-DCMAKE_BUILD_TYPE=Release"]
+    # The plain build, and the sanitized one of `make test` for the mutants the plain one misses.
+    builds = [(build, ["-DCMAKE_BUILD_TYPE=Release"])]
+    if not args.no_sanitize:
+        builds.append((work / "build-sanitize",
+                       ["-DCMAKE_BUILD_TYPE=Debug", "-DKXAC_SANITIZE=ON"]))
     if shutil.which("ccache"):
-        configure.append("-DCMAKE_CXX_COMPILER_LAUNCHER=ccache")
         env["CCACHE_BASEDIR"] = str(tree)
-    subprocess.run(configure, check=True, env=env, stdout=subprocess.DEVNULL)
-
     # The unmutated code must build and pass, or every mutant would count as killed.
     all_targets = sorted({t for s in LAYER_SUITES.values() for t in s} | {"KXAvoidContainer"})
-    base = run(["cmake", "--build", str(build), "-j", str(args.jobs), "--target", *all_targets],
-               env=env)
-    if base.returncode != 0:
-        sys.exit("mutate: the unmutated tree does not build:\n" + base.stdout[-4000:])
-    check = run(["ctest", "--test-dir", str(build), "-j", str(args.jobs), "-LE", "slow",
-                  "--timeout", str(args.test_timeout)], env=env)
-    if check.returncode != 0:
-        sys.exit("mutate: the unmutated tree fails its tests:\n" + check.stdout[-4000:])
+    for folder, options in builds:
+        configure = ["cmake", "-S", str(tree), "-B", str(folder), "-G", "Ninja", *options]
+        if shutil.which("ccache"):
+            configure.append("-DCMAKE_CXX_COMPILER_LAUNCHER=ccache")
+        subprocess.run(configure, check=True, env=env, stdout=subprocess.DEVNULL)
+        base = run(["cmake", "--build", str(folder), "-j", str(args.jobs), "--target",
+                    *all_targets], env=env)
+        if base.returncode != 0:
+            sys.exit("mutate: the unmutated tree does not build:\n" + base.stdout[-4000:])
+        check = run(["ctest", "--test-dir", str(folder), "-j", str(args.jobs), "-LE", "slow",
+                     "--timeout", str(args.test_timeout)], env=env)
+        if check.returncode != 0:
+            sys.exit("mutate: the unmutated tree fails its tests:\n" + check.stdout[-4000:])
 
     pool = []
     if args.recheck:
@@ -243,28 +253,42 @@ def main():
         path.write_text("".join(lines))
         try:
             suites = suites_of(rel)
-            built = run(["cmake", "--build", str(build), "-j", str(args.jobs), "--target",
-                         *suites["targets"]], timeout=args.mutant_timeout, env=env)
-            if built.returncode != 0:
+
+            def build_and_test(folder, junit=None):
+                """None when the mutant does not compile there, else whether a test failed."""
+                built = run(["cmake", "--build", str(folder), "-j", str(args.jobs), "--target",
+                             *suites["targets"]], timeout=args.mutant_timeout, env=env)
+                if built.returncode != 0:
+                    return None
+                tested = run(["ctest", "--test-dir", str(folder), "-j", str(args.jobs),
+                              *(["--output-junit", str(junit)] if junit else ["--stop-on-failure"]),
+                              "--timeout", str(args.test_timeout), "-LE", "slow",
+                              "-L", "^(" + "|".join(suites["labels"]) + ")$"],
+                             timeout=args.mutant_timeout, env=env)
+                return tested.returncode != 0
+
+            junit = work / "junit.xml" if args.kill_table else None
+            if junit:
+                junit.unlink(missing_ok=True)
+            failed = build_and_test(build, junit)
+            if failed is None:
                 not_compiling += 1
                 continue
             compiled += 1
-            junit = work / "junit.xml"
-            junit.unlink(missing_ok=True)
-            tested = run(["ctest", "--test-dir", str(build), "-j", str(args.jobs),
-                          *([] if args.kill_table else ["--stop-on-failure"]),
-                          "--output-junit", str(junit), "--timeout", str(args.test_timeout),
-                          "-LE", "slow", "-L", "^(" + "|".join(suites["labels"]) + ")$"],
-                         timeout=args.mutant_timeout, env=env)
             if args.kill_table:
                 table.append({"file": rel, "line": line, "mutant": text.strip(),
                               "failed": failed_tests(junit)})
                 Path(args.kill_table).write_text(json.dumps(table, indent=1) + "\n")
-            outcome = "killed" if tested.returncode != 0 else "SURVIVED"
-            if tested.returncode == 0:
-                survivors.append((rel, line, before.strip(), text.strip()))
-            else:
+            outcome = "killed"
+            if not failed and len(builds) > 1:
+                # A mutant that builds only without asserts (NDEBUG) counts as not killed.
+                failed = bool(build_and_test(builds[1][0]))
+                outcome = "killed (sanitized build)"
+            if failed:
                 killed += 1
+            else:
+                outcome = "SURVIVED"
+                survivors.append((rel, line, before.strip(), text.strip()))
             print(f"[{compiled}/{args.mutants}] {rel}:{line} {outcome} "
                   f"({time.time() - started:.0f} s)", flush=True)
         finally:

@@ -34,37 +34,33 @@ struct Pair {
     }
 };
 
-int Uniform(std::mt19937& rng, int lo, int hi) {
-    return std::uniform_int_distribution<int>(lo, hi)(rng);
-}
-
 // Coordinates of every kind: anywhere in the int range, its ends, millions of cells out, or
 // near the canvas (of the given extent).
-int Any(std::mt19937& rng, int extent) {
-    const int kind = Uniform(rng, 0, 5);
+int Any(testing_support::Random& uniform, int extent) {
+    const int kind = uniform(0, 5);
     const int ends[] = {INT_MIN, INT_MIN + 1, -1, 0, INT_MAX - 1, INT_MAX};
-    if (kind < 2) return Uniform(rng, INT_MIN, INT_MAX);
-    if (kind == 2) return ends[Uniform(rng, 0, 5)];
-    return kind == 3 ? Uniform(rng, -3000000, 3000000) : Uniform(rng, -8, extent + 8);
+    if (kind < 2) return uniform(INT_MIN, INT_MAX);
+    if (kind == 2) return ends[uniform(0, 5)];
+    return kind == 3 ? uniform(-3000000, 3000000) : uniform(-8, extent + 8);
 }
-int Width(std::mt19937& rng) {
+int Width(testing_support::Random& uniform) {
     const int widths[] = {0, 1, 2, 7, -3, 1000, 40000000, INT_MAX, INT_MIN};
-    return widths[Uniform(rng, 0, 8)];
+    return widths[uniform(0, 8)];
 }
 }  // namespace
 
 TEST(HostileFootprint, LinesAndRingsGiveTheCellsOfDrawingEverything) {
-    std::mt19937 rng(2026);
+    testing_support::Random uniform{std::mt19937(2026)};
     for (int round = 0; round < 150; ++round) {
-        const int w = Uniform(rng, 0, 48), h = Uniform(rng, 0, 48);
+        const int w = uniform(0, 48), h = uniform(0, 48);
         Pair pair(w, h);
         // Several calls on one object: full rows left by earlier calls, then more lines and
         // rings over them.
         for (int call = 0; call < 4; ++call) {
-            std::vector<int> xy(static_cast<size_t>(2 * Uniform(rng, 2, 120)));
+            std::vector<int> xy(static_cast<size_t>(2 * uniform(2, 120)));
             for (size_t i = 0; i < xy.size(); ++i)
-                xy[i] = Any(rng, i % 2 == 0 ? w : h);
-            pair.Draw(xy, call % 2 == 0 || round % 3 == 0 ? Width(rng) : -1);
+                xy[i] = Any(uniform, i % 2 == 0 ? w : h);
+            pair.Draw(xy, call % 2 == 0 || round % 3 == 0 ? Width(uniform) : -1);
             ASSERT_EQ(RunsText(pair.fast), RunsText(pair.full))
                 << "seed 2026, round " << round << ", call " << call;
         }

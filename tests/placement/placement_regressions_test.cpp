@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "placement/AvoidContainer.h"
@@ -52,10 +53,7 @@ TEST(ObjectLifetime, RecycledPlacedObjectHandedOutAndDeletedIsNeverReadAgain) {
 // already there: the same rectangle with an extra corner on two sides goes through the sweep.
 // Shapes that are nearly such rectangles must go through the sweep too.
 TEST(CellRectangle, RingsAndAxisStrokesGiveTheRunsOfTheSweep) {
-    std::mt19937 rng(11);
-    const auto uniform = [&](int lo, int hi) {
-        return std::uniform_int_distribution<int>(lo, hi)(rng);
-    };
+    testing_support::Random uniform{std::mt19937(11)};
     CPriorityAvoidContainer c;
     for (int round = 0; round < 2000; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
@@ -104,46 +102,57 @@ TEST(CellRectangle, RingsAndAxisStrokesGiveTheRunsOfTheSweep) {
     }
 }
 
-// Rectangles on cell corners, either way round and as axis strokes, never reach the rasterizer:
-// the container's outline keeps what it held. Other shapes are swept.
-TEST(CellRectangle, RectanglesOnCellCornersSkipTheSweep) {
+// What can add no cell never reaches the rasterizer, whose outline keeps the cells of the last
+// sweep: polygons whose cells could only fall in rows already one run across the canvas, and
+// rectangles on cell corners, either way round and as axis strokes, which are added as runs.
+// Polygons beside the full rows are swept.
+TEST(Sweep, PolygonsOverFullRowsAndRectanglesOnCellCornersSkipIt) {
     CPriorityAvoidContainer c;
     testing_support::SetCanvas(*c.DT(), 100, 100);
     const agg::outline& outline = c.DT()->raster.get_outline();
     CAvoidObject* obj = c.NewObject();
-    int horizontalFirst[] = {10, 10, 30, 10, 30, 20, 10, 20};
-    int verticalFirst[] = {40, 10, 40, 20, 60, 20, 60, 10, 40, 10};
-    int stroke[] = {10, 50, 60, 50};
+    AddSquare(obj, 0, 10, 100, 10);  // rows 10-19, held as one rectangle
+    int above[] = {5, 2, 20, 2, 5, 6}, below[] = {5, 30, 20, 30, 5, 40};
+    obj->AddRing(above, 6);
+    obj->AddRing(below, 6);
+    EXPECT_TRUE(obj->Grid().IsExist(3, 6) && obj->Grid().IsExist(32, 6));
+    const unsigned swept = outline.cell_count();
+    const size_t cells = testing_support::CellsOf(*obj).size();
+    // Down to the last full row and past the canvas's right edge; touching its left edge.
+    int over[] = {50, 12, 130, 12, 50, 20}, beside[] = {-2, 50, 0, 50, -2, 52};
+    obj->AddRing(over, 6);
+    obj->AddRing(beside, 6);
+    int horizontalFirst[] = {10, 60, 30, 60, 30, 70, 10, 70};
+    int verticalFirst[] = {40, 60, 40, 70, 60, 70, 60, 60, 40, 60};
+    int stroke[] = {10, 90, 60, 90};
     obj->AddRing(horizontalFirst, 8);
     obj->AddRing(verticalFirst, 10);
     obj->AddLine(stroke, 4, 3);
-    EXPECT_EQ(outline.cell_count(), 0u);
-    EXPECT_EQ(testing_support::CellsOf(*obj).size(), 20u * 10 + 20 * 10 + 50 * 6);
-    int triangle[] = {10, 70, 30, 70, 10, 90};
-    obj->AddRing(triangle, 6);
-    EXPECT_GT(outline.cell_count(), 0u);
+    EXPECT_EQ(outline.cell_count(), swept);
+    EXPECT_EQ(testing_support::CellsOf(*obj).size(), cells + 20 * 10 + 20 * 10 + 50 * 6);
     c.Recycle(obj);
 }
 
-TEST(Occupancy, LargeCanvasesAreCoveredOnlyInPart) {
+TEST(Occupancy, LargeCanvasesAreCoveredOnlyInPartAndClearingStaysInTheRows) {
     kxac::Occupancy bits;
     bits.Cover(40000, 40000);
     EXPECT_LE(static_cast<size_t>((bits.Columns() + 63) / 64 * bits.Rows()),
               kxac::Occupancy::kMaxWords);
-    EXPECT_EQ(
-        std::make_pair(bits.Covers(0, 0, 39999, 39999), bits.Covers(0, 0, 39999, bits.Rows() - 1)),
-        std::make_pair(false, true));
+    EXPECT_EQ(std::make_tuple(bits.Covers(0, 0, 39999, 39999),
+                              bits.Covers(0, 0, 39999, bits.Rows() - 1), bits.Covers(2, 1, 3, 1)),
+              std::make_tuple(false, true, true));
     bits.Cover(0, 100);
     EXPECT_FALSE(bits.Covers(0, 0, 0, 0));
+    bits.Cover(64, 1);
+    bits.Set(0, 3, 5);
+    bits.Clear();
+    EXPECT_FALSE(bits.Any(0, 0, 63));
 }
 
 // A footprint held as one rectangle answers every collision test as the same cells stored row by
 // row, whichever side of the test it stands on, near the canvas and at far offsets.
 TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
-    std::mt19937 rng(11);
-    const auto any = [&](int lo, int hi) {
-        return std::uniform_int_distribution<int>(lo, hi)(rng);
-    };
+    testing_support::Random any{std::mt19937(11)};
     // Now and then far out, beyond 2^29.
     const auto anyOffset = [&] {
         const int far = any(0, 4) == 0 ? (1 << 29) + any(0, 4) : 0;
@@ -196,13 +205,6 @@ TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
     }
     // The objects meet often enough for the comparison to mean something.
     EXPECT_GT(meetings, 300);
-    // Only the rectangle's rows are full: a ring below one across the canvas is drawn.
-    CAvoidObject* wide = c.NewObject();
-    AddSquare(wide, 0, 0, 64, 4);
-    int below[] = {5, 10, 20, 10, 5, 20};
-    wide->AddRing(below, 6);
-    EXPECT_TRUE(wide->Grid().IsExist(12, 8));
-    c.Recycle(wide);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Helpers shared by the placement tests.
 #pragma once
 
+#include <random>
 #include <set>
 #include <sstream>
 #include <string>
@@ -12,6 +13,12 @@ namespace testing_support {
 
 using Cell = std::pair<int, int>;  // (x, y)
 using CellSet = std::set<Cell>;
+
+// Uniform ints from lo to hi, both included, from a seeded generator.
+struct Random {
+    std::mt19937 rng;
+    int operator()(int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); }
+};
 
 // A canvas of w x h cells at the origin showing the map extent (0, 0)-(w, h).
 inline void SetCanvas(CDT& dt, long long w, long long h) {
