@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdint>
 #include <limits>
 #include <vector>
 
@@ -54,7 +55,7 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
         {{10, 20, 30, 20, 30, 25, 10, 25}, 0, RectCells(10, 20, 30, 25)},
     };
     for (const Case& k : cases) {
-        Canvas c(100, 60);
+        Canvas c((int64_t{1} << 32) + 100, 60);  // the raster takes the low 32 bits: 100 columns
         std::vector<int> xy = k.xy;
         if (k.width > 0) c.obj.AddLine(xy.data(), static_cast<int>(xy.size()), k.width);
         if (k.width == 0) c.obj.AddRing(xy.data(), static_cast<int>(xy.size()));

@@ -1,9 +1,8 @@
-// Boxes, the avoid object's offsets and extents, and the canvas a raster takes from its transform.
+// Boxes, the avoid object's offsets and extents, and the transform from map to cells.
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cmath>
-#include <cstdint>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -87,24 +86,6 @@ TEST(Transform, FitsExtentToTheDeviceAndMapsTowardZero) {
     EXPECT_EQ((std::vector<int>{kxac::TruncToInt(2147483647.9), kxac::TruncToInt(-2147483648.9),
                                 kxac::TruncToInt(2147483648.0)}),
               (std::vector<int>{INT_MAX, INT_MIN, INT_MIN}));
-}
-
-// A raster target that only reports its canvas, the clip bounds of its sweeps.
-class SizedRaster : public CRLERaster {
-public:
-    void AddRLE(int, int, int) override {}
-    std::pair<unsigned, unsigned> Size() const { return {width(), height()}; }
-};
-
-TEST(RleRaster, CanvasIsTheLow32BitsOfTheTransformOrUnbounded) {
-    SizedRaster r;
-    CDT dt;
-    dt.width = (int64_t{1} << 32) + 7;
-    dt.height = -1;
-    r.DT(&dt);
-    EXPECT_EQ(r.Size(), std::make_pair(7u, 0xFFFFFFFFu));
-    r.DT(nullptr);
-    EXPECT_EQ(r.Size(), std::make_pair(0x7FFFFFFFu, 0x7FFFFFFFu));
 }
 
 }  // namespace
