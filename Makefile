@@ -3,7 +3,7 @@
 #   make demo   labels a map of Europe from data/ through the library, writes out/demo.png
 #   make demo-streets  a street map of central Helsinki with names along the streets
 #   make bench  the benchmark suite, results in out/bench/
-#   make mutate mutation testing of src/ against the plain build's unit tests (never part of test)
+#   make mutate mutation testing of src/ against the unit tests (never part of test)
 
 JOBS ?= 2
 BUILD := build
@@ -115,9 +115,9 @@ bench: deps-build
 		| tee out/bench/placement_vs_bitmap.md
 
 # Mutants of src/ (the binding left out) from a fixed seed, each built in a copy of the tree under
-# $(BUILD)/mutate and run against the unit tests of its layer and the layers above; prints
-# killed / compiling and the survivors (also in $(BUILD)/mutate/report.txt). MUTANTS sets the
-# sample. Takes 15 to 40 minutes for 150 mutants.
+# $(BUILD)/mutate and run against the unit tests of its layer and the layers above, in the plain
+# build and, when those pass, in the sanitized one; prints killed / compiling and the survivors
+# (also in $(BUILD)/mutate/report.txt). MUTANTS sets the sample. Takes 20 to 50 minutes for 150.
 MUTANTS ?= 150
 MUTATE_SEED ?= 13
 
