@@ -105,7 +105,7 @@ TEST(CellRectangle, RingsAndAxisStrokesGiveTheRunsOfTheSweep) {
 // What can add no cell never reaches the rasterizer, whose outline keeps the cells of the last
 // sweep: polygons whose cells could only fall in rows already one run across the canvas, and
 // rectangles on cell corners, either way round and as axis strokes, which are added as runs.
-// Polygons beside the full rows are swept.
+// Polygons above and below the full rows are swept.
 TEST(Sweep, PolygonsOverFullRowsAndRectanglesOnCellCornersSkipIt) {
     CPriorityAvoidContainer c;
     testing_support::SetCanvas(*c.DT(), 100, 100);
@@ -118,10 +118,10 @@ TEST(Sweep, PolygonsOverFullRowsAndRectanglesOnCellCornersSkipIt) {
     EXPECT_TRUE(obj->Grid().IsExist(3, 6) && obj->Grid().IsExist(32, 6));
     const unsigned swept = outline.cell_count();
     const size_t cells = testing_support::CellsOf(*obj).size();
-    // Down to the last full row and past the canvas's right edge; touching its left edge.
-    int over[] = {50, 12, 130, 12, 50, 20}, beside[] = {-2, 50, 0, 50, -2, 52};
+    // Down to the last full row and past the canvas's right edge; left of the canvas, touching it.
+    int over[] = {50, 12, 130, 12, 50, 20}, outside[] = {-2, 50, 0, 50, -2, 52};
     obj->AddRing(over, 6);
-    obj->AddRing(beside, 6);
+    obj->AddRing(outside, 6);
     int horizontalFirst[] = {10, 60, 30, 60, 30, 70, 10, 70};
     int verticalFirst[] = {40, 60, 40, 70, 60, 70, 60, 60, 40, 60};
     int stroke[] = {10, 90, 60, 90};
