@@ -13,7 +13,7 @@ both. --no-sanitize leaves the second build out.
 
 Prints one line per mutant, then killed / compiling and every survivor (file:line, the original
 and the mutated line); the same goes to report.txt in the build folder. Not part of `make test`:
-a sample of 150 mutants takes 15 to 40 minutes on two cores, as busy as the machine is.
+a sample of 150 mutants takes 20 to 50 minutes on two cores, as busy as the machine is.
 
     python3 tools/mutate.py --build build/mutate --mutants 150 --seed 13
 
@@ -170,6 +170,21 @@ def copy_tree(repo, tree):
         shutil.copyfile(source, copy)
 
 
+def build_and_test(folder, suites, args, env, junit=None):
+    """Builds the suites in one build folder and runs their tests: None when the mutant does not
+    compile there, else whether a test failed. With junit, every test runs and reports there."""
+    built = run(["cmake", "--build", str(folder), "-j", str(args.jobs), "--target",
+                 *suites["targets"]], timeout=args.mutant_timeout, env=env)
+    if built.returncode != 0:
+        return None
+    tested = run(["ctest", "--test-dir", str(folder), "-j", str(args.jobs),
+                  *(["--output-junit", str(junit)] if junit else ["--stop-on-failure"]),
+                  "--timeout", str(args.test_timeout), "-LE", "slow",
+                  "-L", "^(" + "|".join(suites["labels"]) + ")$"],
+                 timeout=args.mutant_timeout, env=env)
+    return tested.returncode != 0
+
+
 def main():
     ap = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     ap.add_argument("--build", default="build/mutate", help="work folder (copy, build, report)")
@@ -206,14 +221,15 @@ def main():
     if not args.no_sanitize:
         builds.append((work / "build-sanitize",
                        ["-DCMAKE_BUILD_TYPE=Debug", "-DKXAC_SANITIZE=ON"]))
+    launcher = []
     if shutil.which("ccache"):
         env["CCACHE_BASEDIR"] = str(tree)
+        launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"]
     # The unmutated code must build and pass, or every mutant would count as killed.
     all_targets = sorted({t for s in LAYER_SUITES.values() for t in s} | {"KXAvoidContainer"})
     for folder, options in builds:
-        configure = ["cmake", "-S", str(tree), "-B", str(folder), "-G", "Ninja", *options]
-        if shutil.which("ccache"):
-            configure.append("-DCMAKE_CXX_COMPILER_LAUNCHER=ccache")
+        configure = ["cmake", "-S", str(tree), "-B", str(folder), "-G", "Ninja", *options,
+                     *launcher]
         subprocess.run(configure, check=True, env=env, stdout=subprocess.DEVNULL)
         base = run(["cmake", "--build", str(folder), "-j", str(args.jobs), "--target",
                     *all_targets], env=env)
@@ -253,24 +269,10 @@ def main():
         path.write_text("".join(lines))
         try:
             suites = suites_of(rel)
-
-            def build_and_test(folder, junit=None):
-                """None when the mutant does not compile there, else whether a test failed."""
-                built = run(["cmake", "--build", str(folder), "-j", str(args.jobs), "--target",
-                             *suites["targets"]], timeout=args.mutant_timeout, env=env)
-                if built.returncode != 0:
-                    return None
-                tested = run(["ctest", "--test-dir", str(folder), "-j", str(args.jobs),
-                              *(["--output-junit", str(junit)] if junit else ["--stop-on-failure"]),
-                              "--timeout", str(args.test_timeout), "-LE", "slow",
-                              "-L", "^(" + "|".join(suites["labels"]) + ")$"],
-                             timeout=args.mutant_timeout, env=env)
-                return tested.returncode != 0
-
             junit = work / "junit.xml" if args.kill_table else None
             if junit:
                 junit.unlink(missing_ok=True)
-            failed = build_and_test(build, junit)
+            failed = build_and_test(build, suites, args, env, junit)
             if failed is None:
                 not_compiling += 1
                 continue
@@ -282,7 +284,7 @@ def main():
             outcome = "killed"
             if not failed and len(builds) > 1:
                 # A mutant that builds only without asserts (NDEBUG) counts as not killed.
-                failed = bool(build_and_test(builds[1][0]))
+                failed = bool(build_and_test(builds[1][0], suites, args, env))
                 outcome = "killed (sanitized build)"
             if failed:
                 killed += 1

@@ -109,8 +109,8 @@ std::vector<std::vector<int>> SplitPolyline(const std::vector<int>& xy, int maxS
     Box span;  // of the piece with the next point
     for (size_t i = 0; i + 1 < xy.size(); i += 2) {
         const size_t n = piece.size();
-        const Box point(xy[i], xy[i + 1], xy[i], xy[i + 1]);
         if (n >= 2 && piece[n - 2] == xy[i] && piece[n - 1] == xy[i + 1]) continue;
+        const Box point(xy[i], xy[i + 1], xy[i], xy[i + 1]);
         span = n == 0 ? point : span;
         span.Union(point);
         if (n >= 4 && (static_cast<long long>(span.right) - span.left > maxSpan ||
@@ -131,9 +131,10 @@ Scene WorldCities(int cities) {
     size_t n = data.cities.size();
     if (cities > 0) n = std::min(n, static_cast<size_t>(cities));
     Scene s{kWorldWidth, kWorldHeight, {}, {}};
-    for (const City& c : std::vector<City>(data.cities.begin(), data.cities.begin() + n)) {
-        s.forced.push_back(Dot(WorldX(c.lon), WorldY(c.lat)));
-        s.labels.push_back(LabelRightOf(WorldX(c.lon), WorldY(c.lat), 7 * c.nameLength + 2));
+    for (size_t i = 0; i < n; ++i) {
+        const int x = WorldX(data.cities[i].lon), y = WorldY(data.cities[i].lat);
+        s.forced.push_back(Dot(x, y));
+        s.labels.push_back(LabelRightOf(x, y, 7 * data.cities[i].nameLength + 2));
     }
     AddPieces(data.borders, s);
     AddPieces(data.coast, s);
