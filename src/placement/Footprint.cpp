@@ -130,8 +130,10 @@ void CAvoidObject::DrawCellRectangle(double minX, double minY, double maxX, doub
         std::min<long long>(static_cast<long long>(maxY / kSubpixels) - 1, height() - 1LL);
     if (left > right || top > bottom) return;
     if (!HasRuns()) {
-        // A fresh footprint holds the rectangle as it is.
+        // A fresh footprint holds the rectangle as it is, with the start row that storing its
+        // rows would have set: Reset keeps it.
         Changed();
+        StartRow(static_cast<int>(top));
         m_rectangleRun = RLE(static_cast<int>(left), static_cast<int>(right));
         m_rectangleTop = static_cast<int>(top);
         m_rectangleBottom = static_cast<int>(bottom);
