@@ -15,6 +15,16 @@
 #include "stdafx.h"
 
 namespace kxac {
+// What the placement is exact for. A canvas (device rect) of up to kMaxCanvasSide cells a side
+// gets exact cells everywhere. A stroke segment or ring whose bounds in subpixels reach across
+// at most kMaxExactShapeWidth cells and down at most kMaxExactShapeHeight cells (a ring of whole
+// cells from x to x + kMaxExactShapeWidth) gives exactly the cells it covers wherever it lies.
+// A larger one is clipped to the raster and drawn in tiles of 32,000 x 65,000 cells; its cells
+// are exact but within a subpixel of where its edges cross a tile's edge plus a 4-cell margin.
+constexpr long long kMaxCanvasSide = 1LL << 30;
+constexpr int kMaxExactShapeWidth = 32765;
+constexpr int kMaxExactShapeHeight = 65533;
+
 // The fields of an avoid object that every collision test reads. Kept in a base of their own so
 // that they lie next to the object's grid, ahead of its raster: a test of a placed object then
 // touches the start of the object only.
@@ -219,20 +229,30 @@ private:
     kxac::FootprintScratch& Scratch() { return CRLERaster::DT()->footprint; }
     // Rasterises the polygon in Scratch().polygon (subpixel coordinates, not yet truncated).
     void DrawPolygon();
+    // The same for a polygon out of the rasterizer's range whose vertices are given from the
+    // cell (originX, originY): drawn in a frame of its own, or clipped to the raster and drawn
+    // in tiles when it is too large for one.
+    void DrawFar(long long originX, long long originY);
+    // Moves the polygon (whole subpixels of the canvas) into the frame whose first cell is the
+    // range's first, and draws it there into the window.
+    void DrawInFrame(double minX, double minY, agg::emit_window window);
+    // Draws the vertices in Scratch().subpixels, of the frame window.dx, window.dy, keeping the
+    // cells of the window.
+    void DrawFramed(const agg::emit_window& window, bool rectangle);
     void DrawSegment(int x0, int y0, int x1, int y1, int width);
-    // Adds the cells of a polygon that is a rectangle on cell corners, with these bounds in
-    // subpixels, as the sweep would.
-    void DrawCellRectangle(double minX, double minY, double maxX, double maxY);
+    // Adds the cells left .. right of the rows top .. bottom, as the sweep adds those of a
+    // rectangle on cell corners.
+    void DrawCellRectangle(long long left, long long top, long long right, long long bottom);
     // Whether the closed rectangle of the canvas misses the bounding box.
     bool OutsideCanvas(double minX, double minY, double maxX, double maxY);
-    // The columns that clipped polygons reach: the raster's width, at most the clip window's.
-    int FullWidth();
+    // The columns of a full row: the raster's width.
+    long long FullWidth();
+    // The raster's cells, columns and rows within 32 bits, unshifted.
+    agg::emit_window RasterWindow();
     // Adds to Scratch().fullRows the rows of firstRow .. lastRow that are full (one run from column
     // 0 to at least FullWidth() - 1), stopping at the first that is not when untilGap is set.
     // Whether every row of the range is full.
     bool NoteFullRows(int firstRow, int lastRow, bool untilGap);
-    // Takes firstRow .. lastRow out of Scratch().fullRows.
-    void ForgetFullRows(int firstRow, int lastRow);
     // The runs-against-runs part of IsIntersect(o).
     bool RunsMeet(CAvoidObject* o) const;
     // Empties the grid, keeping the room of a few rows for the next footprint.

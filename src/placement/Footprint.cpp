@@ -3,18 +3,23 @@
 // Every stroke and ring is one polygon in subpixels (256 per cell), swept by the object's own
 // rasterizer into its raster target, which clips the spans to the raster and hands them to
 // AddRLE. The rasterizer's arithmetic is exact only for cell coordinates within 16 bits and for
-// polygons narrower than 32,767 columns; a polygon outside that range is clipped beforehand to a
-// window slightly larger than the raster (Sutherland-Hodgman against each side in turn, which
-// keeps the winding of every point inside the window, so the filling rule gives the same cells).
+// polygons narrower than 32,767 columns. A polygon inside that range is drawn where it is. One
+// outside it is drawn in a frame of its own, moved by whole cells so that its bounds start at the
+// range's first cell, and its spans are moved back: whole-cell moves are exact, so it gets the
+// cells it would get in place, however far out it lies. A polygon too large for any frame is
+// first clipped to a window slightly larger than the raster (Sutherland-Hodgman against each
+// side in turn, which keeps the winding of every point inside the window, so the filling rule
+// gives the same cells), and what remains is drawn in tiles of the range, each clipped to its
+// tile plus a margin and keeping only the cells of its tile.
 // The rasterizer draws through the scratch memory of the attached transform, which all objects
 // of a container share: an object holds only its runs, however many objects a pool keeps.
 //
 // Hostile input (a million segments of half-width INT_MAX over the whole int range) would draw
 // the whole window once per segment. A polygon is therefore not drawn when the raster holds none
-// of its cells, or when all its rows are already full (one run from column 0 to at least the
-// window's right edge, which adding cells inside it leaves exactly as it is) and it lies within
-// those columns. Whether a polygon is drawn can also change what later ones store, through the
-// outline's cell limit: only polygons too small to reach the limit are ever skipped.
+// of its cells, or when all its rows are already full (one run from column 0 to the raster's
+// last column, which adding cells leaves exactly as it is). Whether a polygon is drawn can also
+// change what later ones store, through the outline's cell limit: only polygons too small to
+// reach the limit are ever skipped.
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -31,8 +36,11 @@ constexpr double kSubpixels = agg::subpixel_scale;
 constexpr double kMinCell = -32767;
 constexpr double kMaxCell = 32766;
 constexpr double kMaxColumns = 32766;
-// The clip window: the raster, at most this far, plus a margin on every side.
-constexpr unsigned kWindowCells = 32000;
+static_assert(kMaxColumns - 1 == kxac::kMaxExactShapeWidth, "the stated limit is the range's");
+static_assert(kMaxCell - kMinCell == kxac::kMaxExactShapeHeight, "the stated limit is the range's");
+// Tiles of a polygon too large for one frame, and the margin each is clipped with.
+constexpr long long kTileColumns = 32000;
+constexpr long long kTileRows = 65000;
 constexpr double kMargin = 4;
 
 double CellOf(double subpixel) { return std::floor(std::trunc(subpixel) / kSubpixels); }
@@ -103,31 +111,58 @@ int* ToCells(CDT* dt, const double* xy, int count) {
 
 // Whether the closed polygon (x, y pairs in subpixels; a last point repeating the first is
 // allowed) is a rectangle with sides along the axes and corners on cell corners.
-bool IsCellRectangle(const std::vector<double>& p) {
+template <typename T>
+bool IsCellRectangle(const std::vector<T>& p) {
     size_t n = p.size() / 2;
     if (n == 5 && p[8] == p[0] && p[9] == p[1]) n = 4;
     if (n != 4) return false;
     // Called on polygons within the rasterizer's range, where every value fits a long long.
     for (size_t i = 0; i < 8; ++i) {
         const auto v = static_cast<long long>(p[i]);
-        if (static_cast<double>(v) != p[i] || v % agg::subpixel_scale != 0) return false;
+        if (static_cast<T>(v) != p[i] || v % agg::subpixel_scale != 0) return false;
     }
     const bool horizontalFirst = p[1] == p[3] && p[2] == p[4] && p[5] == p[7] && p[6] == p[0];
     const bool verticalFirst = p[0] == p[2] && p[3] == p[5] && p[4] == p[6] && p[7] == p[1];
     return horizontalFirst || verticalFirst;
 }
 
+struct Bounds {
+    double minX, minY, maxX, maxY;
+};
+
+// The bounds of a polygon of at least one point (x, y pairs); false when a coordinate is not
+// finite.
+bool BoundsOf(const std::vector<double>& p, Bounds& b) {
+    b = {std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity(),
+         -std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    for (size_t i = 0; i + 1 < p.size(); i += 2) {
+        if (!std::isfinite(p[i]) || !std::isfinite(p[i + 1])) return false;
+        b.minX = std::min(b.minX, p[i]);
+        b.maxX = std::max(b.maxX, p[i]);
+        b.minY = std::min(b.minY, p[i + 1]);
+        b.maxY = std::max(b.maxY, p[i + 1]);
+    }
+    return true;
+}
+
+// Whether the polygon can be drawn where it lies.
+bool InRange(const Bounds& b) {
+    return CellOf(b.minX) >= kMinCell && CellOf(b.maxX) <= kMaxCell && CellOf(b.minY) >= kMinCell &&
+           CellOf(b.maxY) <= kMaxCell && CellOf(b.maxX) - CellOf(b.minX) < kMaxColumns;
+}
+
+// Whether the polygon, of whole subpixels, fits the range once moved by whole cells.
+bool FitsFrame(const Bounds& b) {
+    return CellOf(b.maxX) - CellOf(b.minX) < kMaxColumns &&
+           CellOf(b.maxY) - CellOf(b.minY) <= kMaxCell - kMinCell;
+}
+
 }  // namespace
 
-// The sweep gives such a rectangle the cells left .. right - 1 of the rows top .. bottom - 1,
-// clipped to the raster, one span a row from the top: the same spans are added here directly.
-void CAvoidObject::DrawCellRectangle(double minX, double minY, double maxX, double maxY) {
-    const long long left = std::max<long long>(static_cast<long long>(minX / kSubpixels), 0);
-    const long long right =
-        std::min<long long>(static_cast<long long>(maxX / kSubpixels) - 1, width() - 1LL);
-    const long long top = std::max<long long>(static_cast<long long>(minY / kSubpixels), 0);
-    const long long bottom =
-        std::min<long long>(static_cast<long long>(maxY / kSubpixels) - 1, height() - 1LL);
+// The sweep gives a rectangle on cell corners the cells of its columns and rows, clipped to the
+// raster, one span a row from the top: the same spans are added here directly.
+void CAvoidObject::DrawCellRectangle(long long left, long long top, long long right,
+                                     long long bottom) {
     if (left > right || top > bottom) return;
     if (!HasRuns()) {
         // A fresh footprint holds the rectangle as it is, with the start row that storing its
@@ -153,13 +188,18 @@ bool CAvoidObject::OutsideCanvas(double minX, double minY, double maxX, double m
            y0 + static_cast<double>(dt->height) < minY || x0 > maxX || y0 > maxY;
 }
 
-int CAvoidObject::FullWidth() {
-    return static_cast<int>(std::min<unsigned>(width(), kWindowCells + kMargin));
+long long CAvoidObject::FullWidth() { return width(); }
+
+agg::emit_window CAvoidObject::RasterWindow() {
+    agg::emit_window w;
+    w.x1 = std::min<long long>(width() - 1LL, INT_MAX);
+    w.y1 = std::min<long long>(height() - 1LL, INT_MAX);
+    return w;
 }
 
 bool CAvoidObject::NoteFullRows(int firstRow, int lastRow, bool untilGap) {
     kxac::FootprintScratch& s = Scratch();
-    const int lastColumn = FullWidth() - 1;
+    const long long lastColumn = FullWidth() - 1;
     bool all = true;
     for (int row = firstRow; row <= lastRow; ++row) {
         auto next = s.fullRows.upper_bound(row);
@@ -189,79 +229,118 @@ bool CAvoidObject::NoteFullRows(int firstRow, int lastRow, bool untilGap) {
     return all;
 }
 
-void CAvoidObject::ForgetFullRows(int firstRow, int lastRow) {
+void CAvoidObject::DrawPolygon() {
     kxac::FootprintScratch& s = Scratch();
-    auto band = s.fullRows.upper_bound(firstRow);
-    if (band != s.fullRows.begin() && std::prev(band)->second >= firstRow) --band;
-    while (band != s.fullRows.end() && band->first <= lastRow) {
-        const int first = band->first, last = band->second;
-        band = s.fullRows.erase(band);
-        if (first < firstRow) s.fullRows.emplace(first, firstRow - 1);
-        if (last > lastRow) s.fullRows.emplace(lastRow + 1, last);
+    Bounds b;
+    if (s.polygon.size() < 2 || !BoundsOf(s.polygon, b)) return;
+    if (!InRange(b)) return DrawFar(0, 0);
+    const bool rectangle = IsCellRectangle(s.polygon);
+    s.subpixels.resize(s.polygon.size() & ~size_t{1});
+    for (size_t i = 0; i < s.subpixels.size(); ++i)
+        s.subpixels[i] = kxac::TruncToInt(s.polygon[i]);
+    DrawFramed(RasterWindow(), rectangle);
+}
+
+void CAvoidObject::DrawFar(long long originX, long long originY) {
+    kxac::FootprintScratch& s = Scratch();
+    // Each vertex to a whole subpixel of the canvas, truncated toward zero as in place. The
+    // fraction is taken before the origin is added, at the magnitude of the shape rather than of
+    // its position, so that a shape moved by whole cells keeps its subpixels; the results are
+    // integers well below 2^53.
+    const double shift[2] = {static_cast<double>(originX) * kSubpixels,
+                             static_cast<double>(originY) * kSubpixels};
+    for (size_t i = 0; i < s.polygon.size(); ++i) {
+        const double v = s.polygon[i];
+        if (!std::isfinite(v)) return;
+        s.polygon[i] = (v >= -shift[i % 2] ? std::floor(v) : std::ceil(v)) + shift[i % 2];
+    }
+    Bounds b;
+    if (!BoundsOf(s.polygon, b)) return;
+    if (FitsFrame(b)) return DrawInFrame(b.minX, b.minY, RasterWindow());
+    const double left = -kMargin * kSubpixels;
+    const double right = (static_cast<double>(width()) + kMargin) * kSubpixels;
+    const double bottom = (static_cast<double>(height()) + kMargin) * kSubpixels;
+    ClipSide(s.polygon, s.clipped, 0, left, -1.0);
+    ClipSide(s.clipped, s.polygon, 0, right, 1.0);
+    ClipSide(s.polygon, s.clipped, 1, left, -1.0);
+    ClipSide(s.clipped, s.polygon, 1, bottom, 1.0);
+    if (s.polygon.size() < 6) return;
+    for (double& v : s.polygon)
+        v = std::trunc(v);
+    BoundsOf(s.polygon, b);
+    if (FitsFrame(b)) return DrawInFrame(b.minX, b.minY, RasterWindow());
+    // Tiles of the raster, each drawn clipped to itself plus the margin, keeping its own cells.
+    const agg::emit_window raster = RasterWindow();
+    const long long row0 = std::max(0LL, static_cast<long long>(CellOf(b.minY)));
+    const long long row1 = std::min<long long>(raster.y1, static_cast<long long>(CellOf(b.maxY)));
+    const long long col0 = std::max(0LL, static_cast<long long>(CellOf(b.minX)));
+    const long long col1 = std::min<long long>(raster.x1, static_cast<long long>(CellOf(b.maxX)));
+    s.tiled.swap(s.polygon);
+    for (long long y = row0 - row0 % kTileRows; y <= row1; y += kTileRows) {
+        for (long long x = col0 - col0 % kTileColumns; x <= col1; x += kTileColumns) {
+            agg::emit_window tile = raster;
+            tile.x0 = x;
+            tile.y0 = y;
+            tile.x1 = std::min<long long>(raster.x1, x + kTileColumns - 1);
+            tile.y1 = std::min<long long>(raster.y1, y + kTileRows - 1);
+            const auto at = [](long long cell, double margin) {
+                return (static_cast<double>(cell) + margin) * kSubpixels;
+            };
+            ClipSide(s.tiled, s.clipped, 0, at(tile.x0, -kMargin), -1.0);
+            ClipSide(s.clipped, s.polygon, 0, at(tile.x1 + 1, kMargin), 1.0);
+            ClipSide(s.polygon, s.clipped, 1, at(tile.y0, -kMargin), -1.0);
+            ClipSide(s.clipped, s.polygon, 1, at(tile.y1 + 1, kMargin), 1.0);
+            if (s.polygon.size() < 6) continue;
+            for (double& v : s.polygon)
+                v = std::trunc(v);
+            Bounds t;
+            BoundsOf(s.polygon, t);
+            DrawInFrame(t.minX, t.minY, tile);
+        }
     }
 }
 
-void CAvoidObject::DrawPolygon() {
+void CAvoidObject::DrawInFrame(double minX, double minY, agg::emit_window window) {
     kxac::FootprintScratch& s = Scratch();
-    const size_t n = s.polygon.size() / 2;
-    if (n == 0) return;
-    double minX = std::numeric_limits<double>::infinity(), maxX = -minX;
-    double minY = minX, maxY = -minX;
-    for (size_t i = 0; i < n; ++i) {
-        const double x = s.polygon[2 * i];
-        const double y = s.polygon[2 * i + 1];
-        if (!std::isfinite(x) || !std::isfinite(y)) return;
-        minX = std::min(minX, x);
-        maxX = std::max(maxX, x);
-        minY = std::min(minY, y);
-        maxY = std::max(maxY, y);
+    // The polygon's first cell goes to the first cell of the range.
+    window.dx = static_cast<long long>(CellOf(minX)) - static_cast<long long>(kMinCell);
+    window.dy = static_cast<long long>(CellOf(minY)) - static_cast<long long>(kMinCell);
+    const double fx = static_cast<double>(window.dx) * kSubpixels;
+    const double fy = static_cast<double>(window.dy) * kSubpixels;
+    s.subpixels.resize(s.polygon.size() & ~size_t{1});
+    for (size_t i = 0; i < s.subpixels.size(); i += 2) {
+        s.subpixels[i] = static_cast<int>(s.polygon[i] - fx);
+        s.subpixels[i + 1] = static_cast<int>(s.polygon[i + 1] - fy);
     }
-    const bool inRange = CellOf(minX) >= kMinCell && CellOf(maxX) <= kMaxCell &&
-                         CellOf(minY) >= kMinCell && CellOf(maxY) <= kMaxCell &&
-                         CellOf(maxX) - CellOf(minX) < kMaxColumns;
-    const bool rectangle = inRange && IsCellRectangle(s.polygon);
-    if (!inRange) {
-        const double left = -kMargin * kSubpixels;
-        const double right = (std::min(width(), kWindowCells) + kMargin) * kSubpixels;
-        const double bottom = (std::min(height(), kWindowCells) + kMargin) * kSubpixels;
-        ClipSide(s.polygon, s.clipped, 0, left, -1.0);
-        ClipSide(s.clipped, s.polygon, 0, right, 1.0);
-        ClipSide(s.polygon, s.clipped, 1, left, -1.0);
-        ClipSide(s.clipped, s.polygon, 1, bottom, 1.0);
-        if (s.polygon.size() < 6) return;
-    }
-    // The vertices as the outline takes them (subpixels inside the rasterizer's range) and
-    // their bounds.
-    const size_t vertices = s.polygon.size() / 2;
-    s.subpixels.resize(2 * vertices);
+    DrawFramed(window, IsCellRectangle(s.subpixels));
+}
+
+void CAvoidObject::DrawFramed(const agg::emit_window& window, bool rectangle) {
+    kxac::FootprintScratch& s = Scratch();
+    if (s.subpixels.empty()) return;
     int x0 = INT_MAX, y0 = INT_MAX, x1 = INT_MIN, y1 = INT_MIN;
-    for (size_t i = 0; i < 2 * vertices; i += 2) {
-        const int x = s.subpixels[i] = kxac::TruncToInt(s.polygon[i]);
-        const int y = s.subpixels[i + 1] = kxac::TruncToInt(s.polygon[i + 1]);
-        x0 = std::min(x0, x);
-        x1 = std::max(x1, x);
-        y0 = std::min(y0, y);
-        y1 = std::max(y1, y);
+    for (size_t i = 0; i + 1 < s.subpixels.size(); i += 2) {
+        x0 = std::min(x0, s.subpixels[i]);
+        x1 = std::max(x1, s.subpixels[i]);
+        y0 = std::min(y0, s.subpixels[i + 1]);
+        y1 = std::max(y1, s.subpixels[i + 1]);
     }
     // The cells the sweep can emit lie in the rows and columns the vertices span (a cell needs
-    // part of the polygon strictly inside it), cut to the raster.
-    const long long top = std::max(0LL, FloorCell(y0));
-    const long long bottom = std::min(height() - 1LL, CeilCell(y1) - 1);
-    const long long left = std::max(0LL, FloorCell(x0));
-    const long long right = std::min(width() - 1LL, CeilCell(x1) - 1);
-    // A polygon adds nothing when the raster holds none of its cells, or when its cells lie in
-    // rows that are one run from column 0 to at least its right end. Skipping one that cannot
-    // exhaust the outline's blocks leaves every later polygon's cells as they would have been.
+    // part of the polygon strictly inside it), moved out of the frame and cut to the window.
+    const long long top = std::max<long long>(window.y0, FloorCell(y0) + window.dy);
+    const long long bottom = std::min<long long>(window.y1, CeilCell(y1) - 1 + window.dy);
+    const long long left = std::max<long long>(window.x0, FloorCell(x0) + window.dx);
+    const long long right = std::min<long long>(window.x1, CeilCell(x1) - 1 + window.dx);
+    // A polygon adds nothing when the window holds none of its cells, or when its cells lie in
+    // rows that are one run across the raster. Skipping one that cannot exhaust the outline's
+    // blocks leaves every later polygon's cells as they would have been.
     if (!s.drawEverything && CellsAtMost(s.subpixels, kSkippableCells)) {
         if (top > bottom || left > right) return;
-        if (right < FullWidth() &&
-            NoteFullRows(static_cast<int>(top), static_cast<int>(bottom), true)) {
-            return;
-        }
+        if (NoteFullRows(static_cast<int>(top), static_cast<int>(bottom), true)) return;
     }
     if (rectangle) {
         // An exhausted raster stores no cell of any polygon.
-        if (!Exhausted()) DrawCellRectangle(minX, minY, maxX, maxY);
+        if (!Exhausted()) DrawCellRectangle(left, top, right, bottom);
         // The notes of full rows only save work: worth taking for a rectangle across the raster.
         if (left > 0 || right < FullWidth() - 1) return;
     } else {
@@ -272,12 +351,9 @@ void CAvoidObject::DrawPolygon() {
         for (size_t i = 2; i + 1 < s.subpixels.size(); i += 2)
             outline.line_to(s.subpixels[i], s.subpixels[i + 1]);
         outline.line_to(s.subpixels[0], s.subpixels[1]);
-        Sweep();
+        Sweep(window);
     }
     if (!s.drawEverything && top <= bottom) {
-        // Spans right of FullWidth() can add a second run to a full row: such rows are checked
-        // again.
-        if (right >= FullWidth()) ForgetFullRows(static_cast<int>(top), static_cast<int>(bottom));
         NoteFullRows(static_cast<int>(top), static_cast<int>(bottom), false);
     }
 }
@@ -293,11 +369,20 @@ void CAvoidObject::DrawSegment(int x0, int y0, int x1, int y1, int width) {
     const double len = std::sqrt(dx * dx + dy * dy);
     const double ox = static_cast<double>(width) * dy / len;
     const double oy = static_cast<double>(width) * dx / len;
-    Scratch().polygon.assign({(x0 - ox) * kSubpixels, (y0 + oy) * kSubpixels,
-                              (x1 - ox) * kSubpixels, (y1 + oy) * kSubpixels,
-                              (x1 + ox) * kSubpixels, (y1 - oy) * kSubpixels,
-                              (x0 + ox) * kSubpixels, (y0 - oy) * kSubpixels});
-    DrawPolygon();
+    std::vector<double>& polygon = Scratch().polygon;
+    polygon.assign({(x0 - ox) * kSubpixels, (y0 + oy) * kSubpixels, (x1 - ox) * kSubpixels,
+                    (y1 + oy) * kSubpixels, (x1 + ox) * kSubpixels, (y1 - oy) * kSubpixels,
+                    (x0 + ox) * kSubpixels, (y0 - oy) * kSubpixels});
+    Bounds b;
+    if (!BoundsOf(polygon, b) || InRange(b)) return DrawPolygon();
+    // Out of the range: the corners from the first point, so that they are rounded as a stroke
+    // near the origin would be.
+    const double ex = static_cast<double>(static_cast<long long>(x1) - x0);
+    const double ey = static_cast<double>(static_cast<long long>(y1) - y0);
+    polygon.assign({-ox * kSubpixels, oy * kSubpixels, (ex - ox) * kSubpixels,
+                    (ey + oy) * kSubpixels, (ex + ox) * kSubpixels, (ey - oy) * kSubpixels,
+                    ox * kSubpixels, -oy * kSubpixels});
+    DrawFar(x0, y0);
 }
 
 void CAvoidObject::AddLine(int* xy, int count, int width) {

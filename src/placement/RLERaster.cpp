@@ -57,8 +57,8 @@ agg::rasterizer& CRLERaster::Rasterizer() {
     return r;
 }
 
-void CRLERaster::Sweep() {
+void CRLERaster::Sweep(const agg::emit_window& window) {
     agg::rasterizer& r = dt->raster;
-    r.render<CRLECreate>(*this);
+    r.render<CRLECreate>(*this, window);
     blocks = r.get_outline().blocks_counted();
 }

@@ -44,6 +44,8 @@ namespace kxac {
 struct FootprintScratch {
     std::vector<double> polygon;
     std::vector<double> clipped;
+    // A polygon clipped to the raster, cut into tiles.
+    std::vector<double> tiled;
     std::vector<int> subpixels;
     std::map<int, int> fullRows;
     // On: every polygon is rasterised in full, with no shortcut (for comparisons).
