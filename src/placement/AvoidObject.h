@@ -61,30 +61,29 @@ struct AvoidObjectFields {
 // value is ignored, and a null array draws nothing. A segment of length 0 draws nothing.
 //
 // The rasterizer is exact for cell coordinates within 16 bits and shapes narrower than 32,767
-// columns; a stroke or ring inside that range gives exactly its cells. One that leaves it (for
-// instance coordinates of a million cells) is first clipped to a window of the raster with a
-// margin of a few cells, so the cells inside the raster are those of the exact shape, up to the
-// rounding of the clipped vertices to subpixels at the window's edge. The window reaches at most
-// 32,000 cells into the raster: on a larger canvas, cells beyond that come only from shapes
-// inside the range.
+// columns. A stroke or ring whose own extent fits that range (kMaxExactShapeWidth by
+// kMaxExactShapeHeight cells) gives exactly its cells wherever it lies: out of the range it is
+// drawn in a frame moved by whole cells to its bounds, and its spans are moved back. A larger one
+// (for instance with coordinates a million cells apart) is first clipped to the raster with a
+// margin of a few cells and drawn in tiles of 32,000 columns by 65,000 rows, each clipped to its
+// tile with the same margin; its cells are those of the exact shape up to the rounding of the
+// clipped vertices to subpixels at the window's and the tiles' edges.
 //
-// Cost of one call, with n points, R = min(canvas height, 32,008) and C = min(canvas width,
-// 32,008) (a shape inside the rasterizer's range stands for its own extent instead, under 65,536
-// rows and 32,767 columns):
-// - AddRing: O(n) to bound and clip the ring, then the outline, which walks only cells it stores
-//   (plus O(1) per edge and per row an edge crosses) and stores at most 4,194,304 cells per
-//   polygon; sorting and sweeping them, and merging the runs of at most R rows. So at most
-//   O(n + R + 2^22 log 2^22), whatever the coordinates; once an object's outline has stored that
-//   many cells it stores none again, and later polygons cost O(their points).
+// Cost of one call, with n points, R the canvas height and C its width (a shape that fits the
+// range stands for its own extent instead):
+// - AddRing: O(n) to bound and clip the ring, then per tile the outline, which walks only cells
+//   it stores (plus O(1) per edge and per row an edge crosses) and stores at most 4,194,304
+//   cells per polygon; sorting and sweeping them, and merging the runs of its rows. So at most
+//   O(n + R + 2^22 log 2^22) per tile, whatever the coordinates; once an object's outline has
+//   stored that many cells it stores none again, and later polygons cost O(their points).
 // - AddLine: O(n) for the segments that miss the canvas. A segment that meets it is clipped
 //   (O(1)) and then skipped at O(log) cost when the raster holds none of its cells, or when every
-//   row it spans is already one run from column 0 to at least min(width, 32,004) - 1 and it
-//   reaches no further right; such rows are found as the call draws, and read from the grid,
-//   once each, when a segment lies over them. Any other segment is rasterised: O(R + C) cells,
-//   their sort, and run merges over its rows. So a call costs at most O(n + s (R + C) log(R + C))
-//   for s segments drawn, and a stroke that covers the whole raster makes every later segment of
-//   the call cost O(1). A segment that covers only cells already occupied, in rows that are not
-//   full, is still drawn.
+//   row it spans is already one run from column 0 to the raster's last column; such rows are
+//   found as the call draws, and read from the grid, once each, when a segment lies over them.
+//   Any other segment is rasterised: O(R + C) cells per tile, their sort, and run merges over
+//   its rows. A stroke that covers the whole raster makes every later segment of the call cost
+//   O(1). A segment that covers only cells already occupied, in rows that are not full, is still
+//   drawn.
 // Answers are the same as drawing every polygon in full, to the cell.
 class KXAC_API CAvoidObject : private kxac::AvoidObjectFields,
                               private CRLEIndexCreate,
