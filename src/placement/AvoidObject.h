@@ -18,9 +18,9 @@ namespace kxac {
 // What the placement is exact for. A canvas (device rect) of up to kMaxCanvasSide cells a side
 // gets exact cells everywhere. A stroke segment or ring whose bounds in subpixels reach across
 // at most kMaxExactShapeWidth cells and down at most kMaxExactShapeHeight cells (a ring of whole
-// cells from x to x + kMaxExactShapeWidth) gives exactly the cells it covers wherever it lies.
-// A larger one is clipped to the raster and drawn in tiles of 32,000 x 65,000 cells; its cells
-// are exact but within a subpixel of where its edges cross a tile's edge plus a 4-cell margin.
+// cells from x to x + kMaxExactShapeWidth) is drawn at the cost of its own extent wherever it
+// lies; a larger one is drawn in tiles of the raster of 32,000 x 65,000 cells, at the cost of the
+// tiles it reaches. Both give exactly the cells they cover.
 constexpr long long kMaxCanvasSide = 1LL << 30;
 constexpr int kMaxExactShapeWidth = 32765;
 constexpr int kMaxExactShapeHeight = 65533;
@@ -64,10 +64,9 @@ struct AvoidObjectFields {
 // columns. A stroke or ring whose own extent fits that range (kMaxExactShapeWidth by
 // kMaxExactShapeHeight cells) gives exactly its cells wherever it lies: out of the range it is
 // drawn in a frame moved by whole cells to its bounds, and its spans are moved back. A larger one
-// (for instance with coordinates a million cells apart) is first clipped to the raster with a
-// margin of a few cells and drawn in tiles of 32,000 columns by 65,000 rows, each clipped to its
-// tile with the same margin; its cells are those of the exact shape up to the rounding of the
-// clipped vertices to subpixels at the window's and the tiles' edges.
+// (for instance with coordinates a million cells apart) is drawn in tiles of the raster of 32,000
+// columns by 65,000 rows, each from the pieces of its edges in the tile, cut where the edges'
+// own walk crosses the tile's rows and columns: its cells are exact too.
 //
 // Cost of one call, with n points, R the canvas height and C its width (a shape that fits the
 // range stands for its own extent instead):
@@ -229,12 +228,17 @@ private:
     // Rasterises the polygon in Scratch().polygon (subpixel coordinates, not yet truncated).
     void DrawPolygon();
     // The same for a polygon out of the rasterizer's range whose vertices are given from the
-    // cell (originX, originY): drawn in a frame of its own, or clipped to the raster and drawn
-    // in tiles when it is too large for one.
+    // cell (originX, originY): drawn in a frame of its own, or in tiles of the raster when it is
+    // too large for one.
     void DrawFar(long long originX, long long originY);
     // Moves the polygon (whole subpixels of the canvas) into the frame whose first cell is the
     // range's first, and draws it there into the window.
     void DrawInFrame(double minX, double minY, agg::emit_window window);
+    // Draws the cells of the polygon (whole subpixels of the canvas) that lie in the tile, in a
+    // frame of the tile, from the pieces of its edges there; into target when given.
+    void DrawTile(agg::emit_window tile, agg::rendering_buffer* target);
+    // Adds the spans in order of rows and columns, those that meet joined.
+    void AddSpans(std::vector<kxac::FootprintScratch::Span>& spans);
     // Draws the vertices in Scratch().subpixels, of the frame window.dx, window.dy, keeping the
     // cells of the window.
     void DrawFramed(const agg::emit_window& window, bool rectangle);

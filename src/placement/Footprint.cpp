@@ -7,10 +7,13 @@
 // outside it is drawn in a frame of its own, moved by whole cells so that its bounds start at the
 // range's first cell, and its spans are moved back: whole-cell moves are exact, so it gets the
 // cells it would get in place, however far out it lies. A polygon too large for any frame is
-// first clipped to a window slightly larger than the raster (Sutherland-Hodgman against each
-// side in turn, which keeps the winding of every point inside the window, so the filling rule
-// gives the same cells), and what remains is drawn in tiles of the range, each clipped to its
-// tile plus a margin and keeping only the cells of its tile.
+// drawn in tiles of the raster. A tile's outline takes, of every edge, the pieces that lie in
+// the tile's rows, cut where the edge's own walk crosses the row boundaries (the walk computes
+// those crossings exactly, so the pieces add exactly the edge's cells); a row's piece that
+// leaves the tile's columns is cut at every column boundary inside them, where the row's walk
+// crosses it; its parts left and right of the tile go into the columns beside it as vertical
+// pieces, which carry the cover the sweep needs. The tile keeps the cells of its own rows and
+// columns, which are so exactly those of the whole polygon.
 // The rasterizer draws through the scratch memory of the attached transform, which all objects
 // of a container share: an object holds only its runs, however many objects a pool keeps.
 //
@@ -38,33 +41,90 @@ constexpr double kMaxCell = 32766;
 constexpr double kMaxColumns = 32766;
 static_assert(kMaxColumns - 1 == kxac::kMaxExactShapeWidth, "the stated limit is the range's");
 static_assert(kMaxCell - kMinCell == kxac::kMaxExactShapeHeight, "the stated limit is the range's");
-// Tiles of a polygon too large for one frame, and the margin each is clipped with.
+// Tiles of a polygon too large for one frame.
 constexpr long long kTileColumns = 32000;
 constexpr long long kTileRows = 65000;
-constexpr double kMargin = 4;
 
 double CellOf(double subpixel) { return std::floor(std::trunc(subpixel) / kSubpixels); }
 
-// Sutherland-Hodgman step: keeps the part of the closed polygon `in` (x, y pairs) where
-// side * (coordinate axis - limit) <= 0; crossing points lie exactly on the limit.
-void ClipSide(const std::vector<double>& in, std::vector<double>& out, int axis, double limit,
-              double side) {
-    out.clear();
-    const size_t n = in.size() / 2;
-    for (size_t i = 0; i < n; ++i) {
-        const double* a = &in[2 * ((i + n - 1) % n)];
-        const double* b = &in[2 * i];
-        const bool aIn = side * (a[axis] - limit) <= 0;
-        const bool bIn = side * (b[axis] - limit) <= 0;
-        if (aIn != bIn) {
-            const double t = (limit - a[axis]) / (b[axis] - a[axis]);
-            const int other = 1 - axis;
-            double p[2];
-            p[axis] = limit;
-            p[other] = a[other] + t * (b[other] - a[other]);
-            out.insert(out.end(), p, p + 2);
-        }
-        if (bIn) out.insert(out.end(), b, b + 2);
+// floor(p / d) for d > 0.
+long long FloorDiv(__int128 p, long long d) {
+    __int128 q = p / d;
+    if (p % d != 0 && p < 0) --q;
+    return static_cast<long long>(q);
+}
+
+// The pieces of one row's part of an edge, from (xa, ya) to (xb, yb), that give its cells in
+// the columns from subpixel x0 up to x1 (cell boundaries): the part inside as it is when it lies
+// wholly inside, else cut at every column boundary it crosses there, where the row's own walk
+// crosses them. The part left of x0 becomes a vertical piece in the column left of x0, which
+// carries its cover and nothing else into the columns right of it; the part right of x1 one in
+// the column right of x1, where the sweep then ends the row's spans.
+template <class Piece>
+void RowInWindow(long long xa, long long ya, long long xb, long long yb, long long x0, long long x1,
+                 Piece&& piece) {
+    const long long lo = std::min(xa, xb), hi = std::max(xa, xb);
+    const long long carry = x0 - agg::subpixel_scale;
+    if (lo >= x0 && hi <= x1) return piece(xa, ya, xb, yb);
+    if (hi <= x0) return piece(carry, ya, carry, yb);
+    if (lo >= x1) return piece(x1, ya, x1, yb);
+    const auto yAt = [&](long long x) {
+        if (x == xa) return ya;
+        if (x == xb) return yb;
+        return ya + FloorDiv(static_cast<__int128>(x > xa ? x - xa : xa - x) * (yb - ya), hi - lo);
+    };
+    const long long step = xa < xb ? agg::subpixel_scale : -agg::subpixel_scale;
+    const long long from = xa < xb ? std::max(xa, x0) : std::min(xa, x1);
+    const long long to = xa < xb ? std::min(xb, x1) : std::max(xb, x0);
+    if (xa < x0) piece(carry, ya, carry, yAt(x0));
+    long long px = from, py = yAt(from);
+    // The first column boundary past `from` in the direction of the edge.
+    long long next = xa < xb ? ((from >> agg::subpixel_shift) + 1) << agg::subpixel_shift
+                             : ((from - 1) >> agg::subpixel_shift) << agg::subpixel_shift;
+    for (; xa < xb ? next < to : next > to; next += step) {
+        const long long ny = yAt(next);
+        piece(px, py, next, ny);
+        px = next;
+        py = ny;
+    }
+    if (px != to) piece(px, py, to, yAt(to));
+    if (xb < x0) piece(carry, yAt(x0), carry, yb);
+    if (xa > x1) piece(x1, ya, x1, yAt(x1));
+    if (xb > x1) piece(x1, yAt(x1), x1, yb);
+}
+
+// The pieces of the edge (x1, y1)-(x2, y2), in subpixels of the canvas, that give its cells in
+// the window's columns and rows: the edge itself when it lies inside, else the part of each row of
+// the window, cut where the edge's own walk crosses the row boundaries, then by RowInWindow.
+template <class Piece>
+void EdgeInWindow(long long x1, long long y1, long long x2, long long y2, const agg::emit_window& w,
+                  Piece&& piece) {
+    // An edge within a row adds no cover or area.
+    if (y1 == y2) return;
+    const long long ey1 = y1 >> agg::subpixel_shift, ey2 = y2 >> agg::subpixel_shift;
+    const long long x0 = w.x0 * agg::subpixel_scale;
+    const long long xEnd = (w.x1 + 1) * agg::subpixel_scale;
+    const long long rowLo = std::max<long long>(std::min(ey1, ey2), w.y0);
+    const long long rowHi = std::min<long long>(std::max(ey1, ey2), w.y1);
+    if (rowLo > rowHi) return;
+    if (std::min(x1, x2) >= x0 && std::max(x1, x2) <= xEnd && std::min(ey1, ey2) >= w.y0 &&
+        std::max(ey1, ey2) <= w.y1 + 1) {
+        return piece(x1, y1, x2, y2);
+    }
+    const bool down = y2 > y1;
+    const long long dy = down ? y2 - y1 : y1 - y2;
+    // Where the edge's walk crosses the row boundary y: x1 + floor(|y - y1| dx / |dy|).
+    const auto xAt = [&](long long y) {
+        if (y == y1) return x1;
+        if (y == y2) return x2;
+        return x1 + FloorDiv(static_cast<__int128>(down ? y - y1 : y1 - y) * (x2 - x1), dy);
+    };
+    for (long long row = rowLo; row <= rowHi; ++row) {
+        const long long top = row * agg::subpixel_scale;
+        const long long bottom = top + agg::subpixel_scale;
+        const long long ya = down ? std::max(y1, top) : std::min(y1, bottom);
+        const long long yb = down ? std::min(y2, bottom) : std::max(y2, top);
+        if (ya != yb) RowInWindow(xAt(ya), ya, xAt(yb), yb, x0, xEnd, piece);
     }
 }
 
@@ -79,14 +139,15 @@ constexpr double kSkippableCells = (agg::outline::block_limit - 1.0) * agg::outl
 
 // Whether the outline of the closed polygon xy (subpixels) stores at most limit cells: each edge
 // starts a new cell at most once per row and per column it crosses, and twice more at its ends.
-bool CellsAtMost(const std::vector<int>& xy, double limit) {
+template <typename T>
+bool CellsAtMost(const std::vector<T>& xy, double limit) {
+    const auto cell = [](T v) { return std::floor(static_cast<double>(v) / kSubpixels); };
     const size_t n = xy.size() / 2;
     double cells = 1;
     for (size_t i = 0; i < n; ++i) {
         const size_t j = i + 1 < n ? i + 1 : 0;
-        cells +=
-            std::fabs(static_cast<double>(FloorCell(xy[2 * j]) - FloorCell(xy[2 * i]))) +
-            std::fabs(static_cast<double>(FloorCell(xy[2 * j + 1]) - FloorCell(xy[2 * i + 1]))) + 2;
+        cells += std::fabs(cell(xy[2 * j]) - cell(xy[2 * i])) +
+                 std::fabs(cell(xy[2 * j + 1]) - cell(xy[2 * i + 1])) + 2;
         if (cells > limit) return false;
     }
     return true;
@@ -156,6 +217,24 @@ bool FitsFrame(const Bounds& b) {
     return CellOf(b.maxX) - CellOf(b.minX) < kMaxColumns &&
            CellOf(b.maxY) - CellOf(b.minY) <= kMaxCell - kMinCell;
 }
+
+// A target of the raster's size that gathers the spans of a sweep.
+class SpanCollector : public agg::rendering_buffer, public CRLECreate {
+public:
+    SpanCollector(unsigned width, unsigned height, std::vector<kxac::FootprintScratch::Span>& spans)
+        : agg::rendering_buffer(nullptr, 0, 0, 0), m_spans(spans) {
+        set_size(width, height);
+    }
+    unsigned char* row(unsigned y) override {
+        m_record = {y, this};
+        return reinterpret_cast<unsigned char*>(&m_record);
+    }
+    void AddRLE(int row, int first, int last) override { m_spans.push_back({row, first, last}); }
+
+private:
+    std::vector<kxac::FootprintScratch::Span>& m_spans;
+    agg::run_row<CRLECreate> m_record{0, nullptr};
+};
 
 }  // namespace
 
@@ -233,7 +312,7 @@ void CAvoidObject::DrawPolygon() {
     kxac::FootprintScratch& s = Scratch();
     Bounds b;
     if (s.polygon.size() < 2 || !BoundsOf(s.polygon, b)) return;
-    if (!InRange(b)) return DrawFar(0, 0);
+    if (!InRange(b) || s.tileCells > 0) return DrawFar(0, 0);
     const bool rectangle = IsCellRectangle(s.polygon);
     s.subpixels.resize(s.polygon.size() & ~size_t{1});
     for (size_t i = 0; i < s.subpixels.size(); ++i)
@@ -256,48 +335,93 @@ void CAvoidObject::DrawFar(long long originX, long long originY) {
     }
     Bounds b;
     if (!BoundsOf(s.polygon, b)) return;
-    if (FitsFrame(b)) return DrawInFrame(b.minX, b.minY, RasterWindow());
-    const double left = -kMargin * kSubpixels;
-    const double right = (static_cast<double>(width()) + kMargin) * kSubpixels;
-    const double bottom = (static_cast<double>(height()) + kMargin) * kSubpixels;
-    ClipSide(s.polygon, s.clipped, 0, left, -1.0);
-    ClipSide(s.clipped, s.polygon, 0, right, 1.0);
-    ClipSide(s.polygon, s.clipped, 1, left, -1.0);
-    ClipSide(s.clipped, s.polygon, 1, bottom, 1.0);
-    if (s.polygon.size() < 6) return;
-    for (double& v : s.polygon)
-        v = std::trunc(v);
-    BoundsOf(s.polygon, b);
-    if (FitsFrame(b)) return DrawInFrame(b.minX, b.minY, RasterWindow());
-    // Tiles of the raster, each drawn clipped to itself plus the margin, keeping its own cells.
+    if (FitsFrame(b) && s.tileCells == 0) return DrawInFrame(b.minX, b.minY, RasterWindow());
     const agg::emit_window raster = RasterWindow();
     const long long row0 = std::max(0LL, static_cast<long long>(CellOf(b.minY)));
     const long long row1 = std::min<long long>(raster.y1, static_cast<long long>(CellOf(b.maxY)));
     const long long col0 = std::max(0LL, static_cast<long long>(CellOf(b.minX)));
     const long long col1 = std::min<long long>(raster.x1, static_cast<long long>(CellOf(b.maxX)));
-    s.tiled.swap(s.polygon);
-    for (long long y = row0 - row0 % kTileRows; y <= row1; y += kTileRows) {
-        for (long long x = col0 - col0 % kTileColumns; x <= col1; x += kTileColumns) {
+    if (row0 > row1 || col0 > col1) return;
+    if (IsCellRectangle(s.polygon)) {
+        // Its cells, cut to the raster, as in a frame.
+        const long long right =
+            std::min<long long>(col1, static_cast<long long>(b.maxX / kSubpixels) - 1);
+        const long long bottom =
+            std::min<long long>(row1, static_cast<long long>(b.maxY / kSubpixels) - 1);
+        if (!s.drawEverything &&
+            NoteFullRows(static_cast<int>(row0), static_cast<int>(bottom), true))
+            return;
+        if (!Exhausted()) DrawCellRectangle(col0, row0, right, bottom);
+        if (!s.drawEverything && col0 == 0 && right >= FullWidth() - 1 && row0 <= bottom)
+            NoteFullRows(static_cast<int>(row0), static_cast<int>(bottom), false);
+        return;
+    }
+    // The tiles of the raster that the polygon reaches. The cells of all the pieces a tile's
+    // outline takes are at most twice the polygon's own bound (each edge adds at most a carry
+    // cell per row to its own cells), so a tile of a polygon within half the limit may be skipped.
+    const bool skippable = !s.drawEverything && CellsAtMost(s.polygon, kSkippableCells / 2);
+    const long long columns =
+        s.tileCells > 0 ? std::min<long long>(s.tileCells, kTileColumns) : kTileColumns;
+    const long long rows =
+        s.tileCells > 0 ? std::min<long long>(s.tileCells, kTileRows) : kTileRows;
+    const long long firstColumn = col0 - col0 % columns;
+    // A whole sweep adds a row's spans at once, left to right: the spans of a band of several
+    // tiles are gathered, joined where they meet at a seam, and added so.
+    SpanCollector collector(width(), height(), s.spans);
+    for (long long y = row0 - row0 % rows; y <= row1; y += rows) {
+        const int top = static_cast<int>(std::max(y, row0));
+        const int bottom = static_cast<int>(std::min<long long>({y + rows - 1, row1, raster.y1}));
+        if (skippable && NoteFullRows(top, bottom, true)) continue;
+        const bool gather = firstColumn + columns <= col1;
+        s.spans.clear();
+        for (long long x = firstColumn; x <= col1; x += columns) {
             agg::emit_window tile = raster;
             tile.x0 = x;
             tile.y0 = y;
-            tile.x1 = std::min<long long>(raster.x1, x + kTileColumns - 1);
-            tile.y1 = std::min<long long>(raster.y1, y + kTileRows - 1);
-            const auto at = [](long long cell, double margin) {
-                return (static_cast<double>(cell) + margin) * kSubpixels;
-            };
-            ClipSide(s.tiled, s.clipped, 0, at(tile.x0, -kMargin), -1.0);
-            ClipSide(s.clipped, s.polygon, 0, at(tile.x1 + 1, kMargin), 1.0);
-            ClipSide(s.polygon, s.clipped, 1, at(tile.y0, -kMargin), -1.0);
-            ClipSide(s.clipped, s.polygon, 1, at(tile.y1 + 1, kMargin), 1.0);
-            if (s.polygon.size() < 6) continue;
-            for (double& v : s.polygon)
-                v = std::trunc(v);
-            Bounds t;
-            BoundsOf(s.polygon, t);
-            DrawInFrame(t.minX, t.minY, tile);
+            tile.x1 = std::min<long long>(raster.x1, x + columns - 1);
+            tile.y1 = std::min<long long>(raster.y1, y + rows - 1);
+            DrawTile(tile, gather ? &collector : nullptr);
         }
+        if (gather) AddSpans(s.spans);
+        if (!s.drawEverything) NoteFullRows(top, bottom, false);
     }
+}
+
+void CAvoidObject::AddSpans(std::vector<kxac::FootprintScratch::Span>& spans) {
+    std::sort(spans.begin(), spans.end(), [](const auto& a, const auto& b) {
+        return a.row != b.row ? a.row < b.row : a.first < b.first;
+    });
+    for (size_t i = 0; i < spans.size();) {
+        const int row = spans[i].row, first = spans[i].first;
+        int last = spans[i].last;
+        for (++i; i < spans.size() && spans[i].row == row && spans[i].first == last + 1; ++i)
+            last = spans[i].last;
+        AddRLE(row, first, last);
+    }
+}
+
+void CAvoidObject::DrawTile(agg::emit_window tile, agg::rendering_buffer* target) {
+    kxac::FootprintScratch& s = Scratch();
+    // The frame: the column left of the tile, which takes the cover of everything left of it,
+    // and the tile's first row go to the range's first cell.
+    tile.dx = tile.x0 - 1 - static_cast<long long>(kMinCell);
+    tile.dy = tile.y0 - static_cast<long long>(kMinCell);
+    const long long fx = tile.dx * agg::subpixel_scale, fy = tile.dy * agg::subpixel_scale;
+    agg::outline& outline = Rasterizer().get_outline();
+    outline.reset();
+    outline.walk_always(s.drawEverything);
+    const size_t n = s.polygon.size() / 2;
+    for (size_t i = 0; i < n; ++i) {
+        const size_t j = i + 1 < n ? i + 1 : 0;
+        EdgeInWindow(
+            static_cast<long long>(s.polygon[2 * i]), static_cast<long long>(s.polygon[2 * i + 1]),
+            static_cast<long long>(s.polygon[2 * j]), static_cast<long long>(s.polygon[2 * j + 1]),
+            tile, [&](long long x1, long long y1, long long x2, long long y2) {
+                outline.edge(static_cast<int>(x1 - fx), static_cast<int>(y1 - fy),
+                             static_cast<int>(x2 - fx), static_cast<int>(y2 - fy));
+            });
+    }
+    target != nullptr ? Sweep(*target, tile) : Sweep(tile);
 }
 
 void CAvoidObject::DrawInFrame(double minX, double minY, agg::emit_window window) {

@@ -118,6 +118,12 @@ public:
     // An edge 32,768 or more columns wide (beyond the supported range) is first cut into
     // shorter pieces, which keeps the walk's arithmetic inside 32 bits.
     void line_to(int x, int y);
+    // One edge on its own, in no contour: it adds to the cells what it adds as an edge of a
+    // contour whose pen stands at (x1, y1), and neither moves the pen nor closes anything. An
+    // edge's cells can so be added piece by piece: pieces that end where the edge crosses row
+    // boundaries, and within a row column boundaries, at the subpixels where the edge's own walk
+    // crosses them, add exactly the edge's cells. Ignored once the cells are sorted.
+    void edge(int x1, int y1, int x2, int y2);
 
     // Closes the open contour, stores the current cell and sorts (once per polygon). Returns the
     // null-terminated array of cell pointers in (row, column) order, or null with no cells.
