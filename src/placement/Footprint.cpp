@@ -218,6 +218,29 @@ bool FitsFrame(const Bounds& b) {
            CellOf(b.maxY) - CellOf(b.minY) <= kMaxCell - kMinCell;
 }
 
+// Whether the pieces of the polygon's edges in the tile of columns c0 .. c1 and rows r0 .. r1
+// store at most limit cells in an outline. An edge's row pieces store the cells of its columns
+// there, one more a row where they meet, and at most five more a row: a cell at each end, one
+// begun by a piece cut at a column boundary, a cell beside the tile on each side.
+bool TileCellsAtMost(const std::vector<double>& p, long long c0, long long r0, long long c1,
+                     long long r1, double limit) {
+    const size_t n = p.size() / 2;
+    const double columns = static_cast<double>(c1 - c0 + 3);
+    double cells = 1;
+    for (size_t i = 0; i < n; ++i) {
+        const size_t j = i + 1 < n ? i + 1 : 0;
+        const double top =
+            std::max(std::min(CellOf(p[2 * i + 1]), CellOf(p[2 * j + 1])), static_cast<double>(r0));
+        const double bottom = std::min(std::max(CellOf(p[2 * i + 1]), CellOf(p[2 * j + 1])),
+                                       static_cast<double>(r1 + 1));
+        if (top > bottom) continue;
+        cells += std::min(std::fabs(CellOf(p[2 * j]) - CellOf(p[2 * i])), columns) +
+                 6 * (bottom - top + 1) + 2;
+        if (cells > limit) return false;
+    }
+    return true;
+}
+
 // A target of the raster's size that gathers the spans of a sweep.
 class SpanCollector : public agg::rendering_buffer, public CRLECreate {
 public:
@@ -356,10 +379,7 @@ void CAvoidObject::DrawFar(long long originX, long long originY) {
             NoteFullRows(static_cast<int>(row0), static_cast<int>(bottom), false);
         return;
     }
-    // The tiles of the raster that the polygon reaches. The cells of all the pieces a tile's
-    // outline takes are at most twice the polygon's own bound (each edge adds at most a carry
-    // cell per row to its own cells), so a tile of a polygon within half the limit may be skipped.
-    const bool skippable = !s.drawEverything && CellsAtMost(s.polygon, kSkippableCells / 2);
+    // The tiles of the raster that the polygon reaches, in bands of rows.
     const long long columns =
         s.tileCells > 0 ? std::min<long long>(s.tileCells, kTileColumns) : kTileColumns;
     const long long rows =
@@ -371,7 +391,15 @@ void CAvoidObject::DrawFar(long long originX, long long originY) {
     for (long long y = row0 - row0 % rows; y <= row1; y += rows) {
         const int top = static_cast<int>(std::max(y, row0));
         const int bottom = static_cast<int>(std::min<long long>({y + rows - 1, row1, raster.y1}));
-        if (skippable && NoteFullRows(top, bottom, true)) continue;
+        if (!s.drawEverything) {
+            bool skippable = true;
+            for (long long x = firstColumn; skippable && x <= col1; x += columns) {
+                skippable = TileCellsAtMost(
+                    s.polygon, x, y, std::min<long long>(x + columns - 1, raster.x1),
+                    std::min<long long>(y + rows - 1, raster.y1), kSkippableCells);
+            }
+            if (skippable && NoteFullRows(top, bottom, true)) continue;
+        }
         const bool gather = firstColumn + columns <= col1;
         s.spans.clear();
         for (long long x = firstColumn; x <= col1; x += columns) {
