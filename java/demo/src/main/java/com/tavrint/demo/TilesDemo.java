@@ -19,31 +19,34 @@ import javax.imageio.ImageIO;
 
 /**
  * Places the world's cities once over a block of tiles of a web Mercator zoom level (Europe at
- * zoom 8 by default, 12,800 x 13,056 pixels), then cuts the outcome into 256-pixel tiles: writes
- * the list of the cities of every tile and a mosaic of a smaller block, each tile drawn on its own
- * from its list alone, with the seams drawn faintly. Run with --help for the options.
+ * zoom 7 by default, 25 x 26 tiles, 6,400 x 6,656 pixels), then cuts the outcome into 256-pixel
+ * tiles: writes the list of the cities of every tile and a mosaic of a smaller block, each tile
+ * drawn on its own from its list alone, with the seams drawn faintly. Run with --help for the
+ * options.
  */
 public final class TilesDemo {
     private TilesDemo() {}
 
-    /** The command line: zoom level, the placement window, the mosaic's window, and files. */
-    record Args(int zoom, double[] window, double[] mosaic, int spacing, Path out,
-            Path dataDir) {
+    // Bounds the mosaic's picture to a few hundred megabytes of memory.
+    private static final int MAX_MOSAIC_TILES = 32;
+
+    /** The command line: the tiles placed in one pass, those of the mosaic, and files. */
+    record Args(Tiles canvas, Tiles mosaic, int spacing, Path out, Path dataDir) {
         static final String USAGE = String.join("\n",
                 "usage: TilesDemo [options]",
-                "  --zoom N           web Mercator zoom level, 1 to " + Tiles.MAX_ZOOM + " (8)",
+                "  --zoom N           web Mercator zoom level, 1 to " + Tiles.MAX_ZOOM + " (7)",
                 "  --window W,S,E,N   lon/lat window placed in one pass, widened to whole tiles"
                         + " (-25,34,45,72: Europe)",
                 "  --mosaic W,S,E,N   lon/lat window of the mosaic, widened to whole tiles, inside"
-                        + " the placed one (2.9,49,11.2,52.4: Benelux and the Rhine)",
+                        + " the placed one (-2.5,47.5,16.5,54: Paris to Berlin and Vienna)",
                 "  --spacing N        leave out cities within N pixels of a larger one (12)",
                 "  --out FILE         mosaic picture (out/tiles.png); the tiles' list goes beside"
                         + " it",
                 "  --data DIR         folder of cities.tsv, borders.tsv, coastline.tsv (data)");
 
         static Args parse(String... args) {
-            Map<String, String> v = new HashMap<>(Map.of("--zoom", "8", "--window", "-25,34,45,72",
-                    "--mosaic", "2.9,49,11.2,52.4", "--spacing", "12", "--out", "out/tiles.png",
+            Map<String, String> v = new HashMap<>(Map.of("--zoom", "7", "--window", "-25,34,45,72",
+                    "--mosaic", "-2.5,47.5,16.5,54", "--spacing", "12", "--out", "out/tiles.png",
                     "--data", "data"));
             for (int i = 0; i < args.length; i += 2) {
                 if (!v.containsKey(args[i])) {
@@ -54,10 +57,18 @@ public final class TilesDemo {
                 }
                 v.put(args[i], args[i + 1]);
             }
-            return new Args(Options.positive("--zoom", v.get("--zoom"),
-                                       Tiles.MAX_ZOOM),
-                    window("--window", v.get("--window")), window("--mosaic", v.get("--mosaic")),
-                    Options.positive("--spacing", v.get("--spacing"), 1000),
+            int zoom = Options.positive("--zoom", v.get("--zoom"), Tiles.MAX_ZOOM);
+            Tiles canvas = Tiles.covering(zoom, window("--window", v.get("--window")));
+            Tiles mosaic = Tiles.covering(zoom, window("--mosaic", v.get("--mosaic")));
+            if (!canvas.contains(mosaic)) {
+                throw new IllegalArgumentException(
+                        "the --mosaic window must lie inside the --window one");
+            }
+            if (Math.max(mosaic.columns(), mosaic.rows()) > MAX_MOSAIC_TILES) {
+                throw new IllegalArgumentException(
+                        "the --mosaic window spans more than " + MAX_MOSAIC_TILES + " tiles a side");
+            }
+            return new Args(canvas, mosaic, Options.positive("--spacing", v.get("--spacing"), 1000),
                     Path.of(v.get("--out")), Path.of(v.get("--data")));
         }
 
@@ -84,22 +95,17 @@ public final class TilesDemo {
             System.exit(2);
             return;
         }
-        Tiles canvas = Tiles.covering(o.zoom(), o.window());
-        Tiles block = Tiles.covering(o.zoom(), o.mosaic());
-        if (!canvas.contains(block)) {
-            System.err.println("demo-tiles: the --mosaic window must lie inside the --window one");
-            System.exit(2);
-            return;
-        }
         try {
-            run(o, canvas, block);
+            run(o);
         } catch (IOException e) {
             System.err.println("demo-tiles: " + DataFiles.describe(e));
             System.exit(1);
         }
     }
 
-    private static void run(Args o, Tiles canvas, Tiles block) throws IOException {
+    private static void run(Args o) throws IOException {
+        Tiles canvas = o.canvas();
+        Tiles block = o.mosaic();
         long t0 = System.nanoTime();
         List<City> cities = GeoData.readCities(DataFiles.require(o.dataDir(), "cities.tsv"));
         List<Polyline> borders =

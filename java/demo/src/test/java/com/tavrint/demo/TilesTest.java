@@ -3,12 +3,14 @@ package com.tavrint.demo;
 import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertEquals;
 import static org.junit.jupiter.api.Assertions.assertFalse;
+import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.awt.image.BufferedImage;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.HashMap;
 import java.util.HashSet;
 import java.util.List;
@@ -39,6 +41,22 @@ class TilesTest {
         // A window whose east edge is a seam takes no column beyond it.
         assertEquals(new Tiles(3, 4, 0, 1, 8), Tiles.covering(3, new double[] {0, -85, 45, 85}));
         assertEquals(new Tiles(3, 0, 0, 8, 8), Tiles.covering(3, new double[] {-180, -90, 180, 90}));
+    }
+
+    @Test
+    void badOptionsAreRefusedWithTheirReason() {
+        // The part of the message expected, then the arguments.
+        String[][] cases = {{"unknown option --zoom8", "--zoom8"},
+            {"--spacing needs a value", "--spacing"}, {"--zoom out of range: 0", "--zoom", "0"},
+            {"--mosaic takes W,S,E,N", "--mosaic", "1,2,3"},
+            {"must lie inside", "--window", "0,40,10,50", "--mosaic", "5,45,14,49"},
+            {"more than 32 tiles", "--zoom", "10", "--mosaic", "0,40,12,50"}};
+        for (String[] c : cases) {
+            String[] args = Arrays.copyOfRange(c, 1, c.length);
+            IllegalArgumentException e = assertThrows(
+                    IllegalArgumentException.class, () -> TilesDemo.Args.parse(args), c[0]);
+            assertTrue(e.getMessage().contains(c[0]), e.getMessage());
+        }
     }
 
     private record Line(int x, int y, int rank, int[] box, int[] dot) {}
