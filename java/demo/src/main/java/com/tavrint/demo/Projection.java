@@ -1,13 +1,15 @@
 package com.tavrint.demo;
 
 /**
- * Projection of a lon/lat window onto a canvas of pixels, x to the right and y downwards:
- * equirectangular, or web Mercator for a window of a tiled zoom level.
+ * Equirectangular projection of a lon/lat window onto a canvas of pixels, x to the right and y
+ * downwards.
  *
- * <p>Equirectangular longitudes are scaled by the cosine of the window's middle latitude, so that
- * shapes keep their proportions there. The window is widened about its centre along the axis that
- * has room to spare so that one scale serves both axes, the way the placement library fits a map
- * extent to its device rectangle.
+ * <p>Longitudes are scaled by the cosine of the window's middle latitude, so that shapes keep their
+ * proportions there. The window is widened about its centre along the axis that has room to spare
+ * so that one scale serves both axes, the way the placement library fits a map extent to its
+ * device rectangle.
+ *
+ * <p>{@link #webMercator} gives instead a window of a tiled web Mercator zoom level.
  */
 public final class Projection {
     private final int width;

@@ -126,7 +126,8 @@ public record Tiles(int zoom, int left, int top, int columns, int rows) {
 
     /** One line per entry of each tile, tiles in key order. */
     public void writeList(Path file, Map<Long, List<Entry>> tiles) throws IOException {
-        try (PrintWriter w = new PrintWriter(Files.newBufferedWriter(file, StandardCharsets.UTF_8))) {
+        try (PrintWriter w =
+                        new PrintWriter(Files.newBufferedWriter(file, StandardCharsets.UTF_8))) {
             w.println("tile\trank\tname\tpopulation\tleft\ttop\tright\tbottom"
                     + "\tdot_left\tdot_top\tdot_right\tdot_bottom");
             for (Map.Entry<Long, List<Entry>> t : tiles.entrySet()) {

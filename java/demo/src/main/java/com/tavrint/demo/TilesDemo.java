@@ -65,8 +65,8 @@ public final class TilesDemo {
                         "the --mosaic window must lie inside the --window one");
             }
             if (Math.max(mosaic.columns(), mosaic.rows()) > MAX_MOSAIC_TILES) {
-                throw new IllegalArgumentException(
-                        "the --mosaic window spans more than " + MAX_MOSAIC_TILES + " tiles a side");
+                throw new IllegalArgumentException("the --mosaic window spans more than "
+                        + MAX_MOSAIC_TILES + " tiles a side");
             }
             return new Args(canvas, mosaic, Options.positive("--spacing", v.get("--spacing"), 1000),
                     Path.of(v.get("--out")), Path.of(v.get("--data")));

@@ -40,7 +40,8 @@ class TilesTest {
         assertFalse(tile.isOnCanvas(24.9384 + 0.36, 60.1699));
         // A window whose east edge is a seam takes no column beyond it.
         assertEquals(new Tiles(3, 4, 0, 1, 8), Tiles.covering(3, new double[] {0, -85, 45, 85}));
-        assertEquals(new Tiles(3, 0, 0, 8, 8), Tiles.covering(3, new double[] {-180, -90, 180, 90}));
+        assertEquals(new Tiles(3, 0, 0, 8, 8), Tiles.covering(3, new double[] {-180, -90, 180, 90}),
+                "the whole world");
     }
 
     @Test
