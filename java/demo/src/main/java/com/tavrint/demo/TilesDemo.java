@@ -19,7 +19,7 @@ import javax.imageio.ImageIO;
 
 /**
  * Places the world's cities once over a block of tiles of a web Mercator zoom level (Europe at
- * zoom 7 by default, 25 x 26 tiles, 6,400 x 6,656 pixels), then cuts the outcome into 256-pixel
+ * zoom 6 by default, 13 x 13 tiles, 3,328 x 3,328 pixels), then cuts the outcome into 256-pixel
  * tiles: writes the list of the cities of every tile and a mosaic of a smaller block, each tile
  * drawn on its own from its list alone, with the seams drawn faintly. Run with --help for the
  * options.
@@ -34,19 +34,19 @@ public final class TilesDemo {
     record Args(Tiles canvas, Tiles mosaic, int spacing, Path out, Path dataDir) {
         static final String USAGE = String.join("\n",
                 "usage: TilesDemo [options]",
-                "  --zoom N           web Mercator zoom level, 1 to " + Tiles.MAX_ZOOM + " (7)",
+                "  --zoom N           web Mercator zoom level, 1 to " + Tiles.MAX_ZOOM + " (6)",
                 "  --window W,S,E,N   lon/lat window placed in one pass, widened to whole tiles"
                         + " (-25,34,45,72: Europe)",
                 "  --mosaic W,S,E,N   lon/lat window of the mosaic, widened to whole tiles, inside"
-                        + " the placed one (-2.5,47.5,16.5,54: Paris to Berlin and Vienna)",
+                        + " the placed one (-5,41.5,27.5,55.5: Brest to Minsk, Rome to Copenhagen)",
                 "  --spacing N        leave out cities within N pixels of a larger one (12)",
                 "  --out FILE         mosaic picture (out/tiles.png); the tiles' list goes beside"
                         + " it",
                 "  --data DIR         folder of cities.tsv, borders.tsv, coastline.tsv (data)");
 
         static Args parse(String... args) {
-            Map<String, String> v = new HashMap<>(Map.of("--zoom", "7", "--window", "-25,34,45,72",
-                    "--mosaic", "-2.5,47.5,16.5,54", "--spacing", "12", "--out", "out/tiles.png",
+            Map<String, String> v = new HashMap<>(Map.of("--zoom", "6", "--window", "-25,34,45,72",
+                    "--mosaic", "-5,41.5,27.5,55.5", "--spacing", "12", "--out", "out/tiles.png",
                     "--data", "data"));
             for (int i = 0; i < args.length; i += 2) {
                 if (!v.containsKey(args[i])) {
