@@ -88,10 +88,7 @@ class ReadmeSnippetsTest {
         assertTrue(version.find(), "the pom depends on the library");
         assertEquals(AvoidContainer.version(), version.group(1), "the README names this version");
         Path userRepository = Path.of(System.getProperty("user.home"), ".m2", "repository");
-        Path mvn = Stream.of(System.getenv("PATH").split(":")).map(p -> Path.of(p, "mvn"))
-                .filter(Files::isExecutable).findFirst().orElse(null);
-        Assumptions.assumeTrue(mvn != null && Files.isDirectory(userRepository),
-                "needs mvn and a local Maven repository with the build's plugins");
+        Assumptions.assumeTrue(Files.isDirectory(userRepository), "no local Maven repository");
 
         Path repository = dir.resolve("repository");
         borrow(userRepository, repository, "com/tavrint");
@@ -113,7 +110,7 @@ class ReadmeSnippetsTest {
         assertTrue(cls.find());
         Path sources = Files.createDirectories(project.resolve("src/main/java"));
         Files.writeString(sources.resolve(cls.group(1) + ".java"), program.group(1));
-        String build = run(project, List.of(mvn.toString(), "-B", "-q", "-o",
+        String build = run(project, List.of("mvn", "-B", "-q", "-o",
                 "-Dmaven.repo.local=" + repository, "compile"));
         assertTrue(build.startsWith("0\n"), "mvn compile:\n" + build);
         String output = java(project, project.resolve("target/classes") + ":" + jar, cls.group(1));
@@ -139,11 +136,10 @@ class ReadmeSnippetsTest {
 
     private static void jarOf(Path classes, Path jar) throws IOException {
         try (JarOutputStream out = new JarOutputStream(Files.newOutputStream(jar));
-                Stream<Path> files = Files.walk(classes)) {
-            for (Path file : (Iterable<Path>) files.filter(Files::isRegularFile)::iterator) {
+                Stream<Path> files = Files.walk(classes).filter(Files::isRegularFile)) {
+            for (Path file : (Iterable<Path>) files::iterator) {
                 out.putNextEntry(new JarEntry(classes.relativize(file).toString()));
                 Files.copy(file, out);
-                out.closeEntry();
             }
         }
     }
