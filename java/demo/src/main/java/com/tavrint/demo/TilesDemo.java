@@ -1,7 +1,5 @@
 package com.tavrint.demo;
 
-import com.tavrint.demo.GeoData.City;
-import com.tavrint.demo.GeoData.Polyline;
 import com.tavrint.demo.Tiles.Entry;
 import java.awt.Color;
 import java.awt.Font;
@@ -82,39 +80,18 @@ public final class TilesDemo {
     }
 
     public static void main(String[] args) {
-        System.setProperty("java.awt.headless", "true");
-        Args o;
-        try {
-            if (args.length == 1 && (args[0].equals("--help") || args[0].equals("-h"))) {
-                System.out.println(Args.USAGE);
-                return;
-            }
-            o = Args.parse(args);
-        } catch (IllegalArgumentException e) {
-            System.err.println("demo-tiles: " + e.getMessage() + " (--help lists the options)");
-            System.exit(2);
-            return;
-        }
-        try {
-            run(o);
-        } catch (IOException e) {
-            System.err.println("demo-tiles: " + DataFiles.describe(e));
-            System.exit(1);
-        }
+        DemoMain.run("demo-tiles", Args.USAGE, args, Args::parse, TilesDemo::run);
     }
 
     private static void run(Args o) throws IOException {
         Tiles canvas = o.canvas();
         Tiles block = o.mosaic();
         long t0 = System.nanoTime();
-        List<City> cities = GeoData.readCities(DataFiles.require(o.dataDir(), "cities.tsv"));
-        List<Polyline> borders =
-                GeoData.readPolylines(DataFiles.require(o.dataDir(), "borders.tsv"));
-        List<Polyline> coast =
-                GeoData.readPolylines(DataFiles.require(o.dataDir(), "coastline.tsv"));
+        GeoData.World data = GeoData.readWorld(o.dataDir());
         long t1 = System.nanoTime();
         Projection p = canvas.projection();
-        Scene scene = Scene.build(p, cities, borders, coast, Integer.MAX_VALUE, o.spacing());
+        Scene scene = Scene.build(p, data.cities(), data.borders(), data.coast(), Integer.MAX_VALUE,
+                o.spacing());
         // Tiles carry no legend: the attribution goes under the mosaic, not into the canvas.
         scene.reservedBoxes().clear();
         long t2 = System.nanoTime();
