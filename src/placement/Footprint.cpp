@@ -47,12 +47,13 @@ constexpr long long kTileRows = 65000;
 
 double CellOf(double subpixel) { return std::floor(std::trunc(subpixel) / kSubpixels); }
 
-// floor(p / d) for d > 0.
+// floor(p / d) and ceil(p / d) for d > 0.
 long long FloorDiv(__int128 p, long long d) {
     __int128 q = p / d;
     if (p % d != 0 && p < 0) --q;
     return static_cast<long long>(q);
 }
+long long CeilDiv(__int128 p, long long d) { return -FloorDiv(-p, d); }
 
 // The cover that the parts of edges beside a tile's columns carry into it, row by row: what
 // the cells left of the tile add to the running cover of the sweep, and what the cells right of
@@ -132,14 +133,28 @@ void RowInWindow(long long xa, long long ya, long long xb, long long yb, long lo
     if (xa < x0) side.Add(false, ya, yAt(x0));
     if (xa > x1) side.Add(true, ya, yAt(x1));
     long long px = from, py = yAt(from);
-    // The first column boundary past `from` in the direction of the edge.
-    long long next = xa < xb ? ((from >> agg::subpixel_shift) + 1) << agg::subpixel_shift
-                             : ((from - 1) >> agg::subpixel_shift) << agg::subpixel_shift;
-    for (; xa < xb ? next < to : next > to; next += step) {
-        const long long ny = yAt(next);
-        piece(px, py, next, ny);
-        px = next;
+    // The column boundaries strictly between `from` and `to`, first0 + k * step for k < count,
+    // at the distance t0 + 256 k from xa. Between two boundaries where the walk's y is the same
+    // a piece adds nothing: only the columns where y changes (at most 257) become pieces, each
+    // found from the distance at which the next value of y is reached.
+    const long long first0 = xa < xb ? ((from >> agg::subpixel_shift) + 1) << agg::subpixel_shift
+                                     : ((from - 1) >> agg::subpixel_shift) << agg::subpixel_shift;
+    const long long count = xa < xb ? (to > first0 ? CeilDiv(to - first0, agg::subpixel_scale) : 0)
+                                    : (to < first0 ? CeilDiv(first0 - to, agg::subpixel_scale) : 0);
+    const long long t0 = xa < xb ? first0 - xa : xa - first0;
+    const long long dyp = yb - ya, adx = hi - lo;
+    for (long long k = 0; k < count && dyp != 0;) {
+        // The least distance at which y passes py, one value further.
+        const long long n = py - ya + (dyp > 0 ? 1 : -1);
+        const long long t = dyp > 0 ? CeilDiv(n * adx, dyp) : FloorDiv(-(n + 1) * adx, -dyp) + 1;
+        const long long at = std::max(k, t > t0 ? CeilDiv(t - t0, agg::subpixel_scale) : 0);
+        if (at >= count) break;
+        const long long x = first0 + at * step;
+        const long long ny = yAt(x);
+        piece(at == 0 ? from : x - step, py, x, ny);
+        px = x;
         py = ny;
+        k = at + 1;
     }
     if (px != to) piece(px, py, to, yAt(to));
     if (xb < x0) side.Add(false, yAt(x0), yb);
