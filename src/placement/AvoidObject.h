@@ -14,6 +14,14 @@
 #include "placement/Transform.h"
 #include "stdafx.h"
 
+// Private steps whose signatures name the rasterizer's or the scratch's types, kept out of the
+// exported symbols as those types are.
+#if defined(__GNUC__) || defined(__clang__)
+#define KXAC_HIDDEN __attribute__((visibility("hidden")))
+#else
+#define KXAC_HIDDEN
+#endif
+
 namespace kxac {
 // What the placement is exact for. A canvas (device rect) of up to kMaxCanvasSide cells a side
 // gets exact cells everywhere. A stroke segment or ring whose bounds in subpixels reach across
@@ -236,15 +244,15 @@ private:
     void DrawFar(long long originX, long long originY);
     // Moves the polygon (whole subpixels of the canvas) into the frame whose first cell is the
     // range's first, and draws it there into the window.
-    void DrawInFrame(double minX, double minY, agg::emit_window window);
+    KXAC_HIDDEN void DrawInFrame(double minX, double minY, agg::emit_window window);
     // Draws the cells of the polygon (whole subpixels of the canvas) that lie in the tile, in a
     // frame of the tile, from the pieces of its edges there; into target when given.
-    void DrawTile(agg::emit_window tile, agg::rendering_buffer* target);
+    KXAC_HIDDEN void DrawTile(agg::emit_window tile, agg::rendering_buffer* target);
     // Adds the spans in order of rows and columns, those that meet joined.
-    void AddSpans(std::vector<kxac::FootprintScratch::Span>& spans);
+    KXAC_HIDDEN void AddSpans(std::vector<kxac::FootprintScratch::Span>& spans);
     // Draws the vertices in Scratch().subpixels, of the frame window.dx, window.dy, keeping the
     // cells of the window.
-    void DrawFramed(const agg::emit_window& window, bool rectangle);
+    KXAC_HIDDEN void DrawFramed(const agg::emit_window& window, bool rectangle);
     void DrawSegment(int x0, int y0, int x1, int y1, int width);
     // Adds the cells left .. right of the rows top .. bottom, as the sweep adds those of a
     // rectangle on cell corners.
@@ -254,7 +262,7 @@ private:
     // The columns of a full row: the raster's width.
     long long FullWidth();
     // The raster's cells, columns and rows within 32 bits, unshifted.
-    agg::emit_window RasterWindow();
+    KXAC_HIDDEN agg::emit_window RasterWindow();
     // Adds to Scratch().fullRows the rows of firstRow .. lastRow that are full (one run from column
     // 0 to at least FullWidth() - 1), stopping at the first that is not when untilGap is set.
     // Whether every row of the range is full.
