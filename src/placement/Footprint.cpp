@@ -10,15 +10,18 @@
 // drawn in tiles of the raster. A tile's outline takes, of every edge, the pieces that lie in
 // the tile's rows, cut where the edge's own walk crosses the row boundaries (the walk computes
 // those crossings exactly, so the pieces add exactly the edge's cells); a row's piece that
-// leaves the tile's columns is cut at every column boundary inside them, where the row's walk
-// crosses it; its parts left and right of the tile go into the columns beside it as vertical
-// pieces, which carry the cover the sweep needs. The tile keeps the cells of its own rows and
-// columns, which are so exactly those of the whole polygon.
+// leaves the tile's columns is cut at the column boundaries inside them where the row's walk
+// changes its y; the cover of its parts left and right of the tile, and of the rows where an
+// edge lies wholly beside the tile, is summed into one cell a row on each side, which carries
+// what the sweep needs. The tile keeps the cells of its own rows and columns, which are so
+// exactly those of the whole polygon; a band of tiles adds its spans joined at the seams, in the
+// order of a whole sweep, so the runs are the same too.
+//
 // The rasterizer draws through the scratch memory of the attached transform, which all objects
 // of a container share: an object holds only its runs, however many objects a pool keeps.
 //
 // Hostile input (a million segments of half-width INT_MAX over the whole int range) would draw
-// the whole window once per segment. A polygon is therefore not drawn when the raster holds none
+// the whole raster once per segment. A polygon is therefore not drawn when the raster holds none
 // of its cells, or when all its rows are already full (one run from column 0 to the raster's
 // last column, which adding cells leaves exactly as it is). Whether a polygon is drawn can also
 // change what later ones store, through the outline's cell limit: only polygons too small to
