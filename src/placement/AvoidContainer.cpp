@@ -54,11 +54,14 @@ void CAvoidContainer::Recycle(CAvoidObject* obj) {
         default:
             return;
     }
-    const auto it = std::find(list->begin(), list->end(), obj);
+    size_t position = 0;
+    auto it = list->begin();
+    for (; it != list->end() && *it != obj; ++it)
+        ++position;
     if (it == list->end()) return;
     m_spareNodes.splice(m_spareNodes.end(), *list, it);
     m_pool.push(obj);
-    if (list == &m_placed) Released(obj);
+    if (list == &m_placed) Released(obj, position);
 }
 
 void CAvoidContainer::Destroy() {
@@ -102,24 +105,36 @@ bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
     }
     obj->OffsetIterator(offsets.begin());
     Append(m_unplaced, obj);
+    m_rejections.push_back({obj, m_placed.size()});
     return true;
 }
 
 void CPriorityAvoidContainer::Reset() {
     CAvoidContainer::Reset();
     m_index.Clear();
+    m_rejections.clear();
+    ++m_placedChanges;
 }
 
-void CPriorityAvoidContainer::Released(CAvoidObject*) { m_index.MarkStale(); }
+void CPriorityAvoidContainer::Released(CAvoidObject*, size_t position) {
+    m_index.MarkStale();
+    // Those rejected after it no longer count it among the objects placed before them.
+    for (Rejection& r : m_rejections) {
+        if (r.placedBefore > position) --r.placedBefore;
+    }
+    ++m_placedChanges;
+}
 
 void CPriorityAvoidContainer::Place(CAvoidObject* obj) {
     obj->PlacedState(CAvoidObject::kPlaced);
     Append(m_placed, obj);
     m_index.Insert(obj);
+    ++m_placedChanges;
 }
 
 void CPriorityAvoidContainer::SyncIndex() {
     if (!m_index.Stale()) return;
+    ++m_placedChanges;
     m_index.Clear();
     for (CAvoidObject* placed : m_placed)
         m_index.Insert(placed);
@@ -139,4 +154,107 @@ bool CPriorityAvoidContainer::TakePalce(CAvoidObject* obj, std::vector<CAvoidObj
     }
     Place(obj);
     return true;
+}
+
+namespace {
+
+// Blockers files extents in buckets of kBucketCells x kBucketCells cells; an extent that spans
+// more than kBucketSpan buckets in either direction, or lies beyond +-2^30, goes to a list that
+// every query reads.
+constexpr long long kBucketShift = 6;
+constexpr long long kBucketSpan = 16;
+constexpr long long kBucketReach = 1LL << 30;
+
+bool Bucketable(const Box& e) {
+    return e.left >= -kBucketReach && e.right <= kBucketReach && e.top >= -kBucketReach &&
+           e.bottom <= kBucketReach &&
+           (e.right >> kBucketShift) - (e.left >> kBucketShift) < kBucketSpan &&
+           (e.bottom >> kBucketShift) - (e.top >> kBucketShift) < kBucketSpan;
+}
+
+uint64_t BucketKey(long long col, long long row) {
+    return (static_cast<uint64_t>(col) << 32) ^ static_cast<uint32_t>(row);
+}
+
+}  // namespace
+
+void CPriorityAvoidContainer::FileForBlockers() {
+    // A placed object that moved or changed its footprint makes the index stale.
+    SyncIndex();
+    // Recycle takes rejected objects off the unplaced list without telling; a rejection adds one.
+    const Filing now{m_placedChanges, m_unplaced.size(), m_rejections.size()};
+    if (m_blockersFiled == now) return;
+    m_blockersFiled = now;
+    m_blockersOrder.assign(m_placed.begin(), m_placed.end());
+    m_blockersLimit.clear();
+    for (const CAvoidObject* unplaced : m_unplaced)
+        m_blockersLimit.emplace(unplaced, 0);
+    for (const Rejection& r : m_rejections) {
+        const auto it = m_blockersLimit.find(r.obj);
+        if (it != m_blockersLimit.end()) it->second = r.placedBefore;
+    }
+    m_blockersBuckets.clear();
+    m_blockersLarge.clear();
+    for (size_t rank = 0; rank < m_blockersOrder.size(); ++rank) {
+        const CAvoidObject* placed = m_blockersOrder[rank];
+        // An object that is not valid collides with nothing.
+        if (!placed->IsValid()) continue;
+        const Box e = placed->MaxExtent();
+        if (!Bucketable(e)) {
+            m_blockersLarge.push_back(rank);
+            continue;
+        }
+        for (long long row = e.top >> kBucketShift; row <= e.bottom >> kBucketShift; ++row) {
+            for (long long col = e.left >> kBucketShift; col <= e.right >> kBucketShift; ++col)
+                m_blockersBuckets[BucketKey(col, row)].push_back(rank);
+        }
+    }
+}
+
+std::vector<CAvoidObject*> CPriorityAvoidContainer::Blockers(CAvoidObject* obj) {
+    std::vector<CAvoidObject*> blockers;
+    if (obj == nullptr || obj->PlacedState() != CAvoidObject::kNotPlaced) return blockers;
+    FileForBlockers();
+    const auto found = m_blockersLimit.find(obj);
+    if (found == m_blockersLimit.end()) return blockers;
+    const size_t limit = std::min(found->second, m_blockersOrder.size());
+
+    std::vector<Location>& offsets = obj->OffsetCollection();
+    blockers.assign(offsets.size(), nullptr);
+    std::vector<size_t> near;
+    for (size_t i = 0; i < offsets.size(); ++i) {
+        obj->OffsetIterator(offsets.begin() + static_cast<std::ptrdiff_t>(i));
+        if (!obj->IsValid()) continue;
+        const Box e = obj->MaxExtent();
+        near.clear();
+        const auto gather = [&](const std::vector<size_t>& ranks) {
+            for (size_t rank : ranks) {
+                if (rank < limit) near.push_back(rank);
+            }
+        };
+        if (Bucketable(e)) {
+            gather(m_blockersLarge);
+            for (long long row = e.top >> kBucketShift; row <= e.bottom >> kBucketShift; ++row) {
+                for (long long col = e.left >> kBucketShift; col <= e.right >> kBucketShift;
+                     ++col) {
+                    const auto bucket = m_blockersBuckets.find(BucketKey(col, row));
+                    if (bucket != m_blockersBuckets.end()) gather(bucket->second);
+                }
+            }
+            std::sort(near.begin(), near.end());
+            near.erase(std::unique(near.begin(), near.end()), near.end());
+        } else {
+            for (size_t rank = 0; rank < limit; ++rank)
+                near.push_back(rank);
+        }
+        for (size_t rank : near) {
+            CAvoidObject* placed = m_blockersOrder[rank];
+            if (e.IsIntersect(placed->MaxExtent()) && placed->IsIntersect(obj)) {
+                blockers[i] = placed;
+                break;
+            }
+        }
+    }
+    obj->OffsetIterator(offsets.begin());
+    return blockers;
 }
