@@ -116,6 +116,11 @@ public final class Candidates {
         return top(i) - top(0);
     }
 
+    /** The candidate at position p, or -1 when p does not fit the canvas. */
+    public int indexOf(Position p) {
+        return positions.indexOf(p);
+    }
+
     /** The candidate whose x offset is the reported one, or -1 when none has it. */
     public int indexOfDx(int reportedDx) {
         for (int i = 0; i < positions.size(); i++) {

@@ -303,6 +303,24 @@ public final class AvoidContainer implements AutoCloseable {
         }
     }
 
+    List<AvoidObject> blockers(AvoidObject object) {
+        try {
+            long[] handles = AvoidNatives.blockers(handle(), object.handle());
+            if (handles == null) return Collections.emptyList();
+            List<AvoidObject> result = new ArrayList<>(handles.length);
+            for (long h : handles) {
+                AvoidObject o = h == 0 ? null : live.get(h);
+                if (h != 0 && o == null) {
+                    throw new IllegalStateException("container names an object it never handed out");
+                }
+                result.add(o);
+            }
+            return Collections.unmodifiableList(result);
+        } finally {
+            Reference.reachabilityFence(this);
+        }
+    }
+
     private List<AvoidObject> objects(long[] handles) {
         if (handles == null) {
             return Collections.emptyList();

@@ -1,6 +1,7 @@
 package com.tavrint.core.util.index.grid;
 
 import java.lang.ref.Reference;
+import java.util.List;
 import java.util.Objects;
 
 /**
@@ -233,6 +234,21 @@ public final class AvoidObject {
         } finally {
             Reference.reachabilityFence(owner);
         }
+    }
+
+    /**
+     * Why the object was not placed: one entry per candidate offset, in the order they were tried
+     * (the first being the footprint where it stands), holding the first object placed before
+     * this one that overlaps it there, or null where none does (only when that object was
+     * recycled since). Objects placed after this one are never named. An empty list when the
+     * object is not among the container's {@link AvoidContainer#unplaced()} objects: not added,
+     * placed, or recycled. Computed on demand by the same test as the placement; the first call
+     * after the placed objects changed files them anew, in time linear in their number.
+     *
+     * @return an unmodifiable list
+     */
+    public List<AvoidObject> blockers() {
+        return owner.blockers(this);
     }
 
     /**
