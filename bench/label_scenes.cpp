@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
-#include <set>
 
 namespace kxbench {
 namespace {
@@ -12,7 +11,6 @@ constexpr int kWorldWidth = 8192;
 constexpr int kWorldHeight = 4096;
 constexpr int kPieceSpan = 48;
 constexpr int kLineHalfWidth = 1;
-constexpr int kMaxNudge = 8;
 constexpr int kCharWidth = 7;
 constexpr int kLabelMargin = 2;
 constexpr double kCellsPerLabel = 2400.0;
@@ -91,29 +89,21 @@ bool LabelAround(double px, double py, int width, int height, double clearance, 
         {px - diag - width, py - diag - height},
         {px - diag - width, py + diag},
     };
-    std::set<long long> usedDx;
     bool first = true;
     label.offsets.clear();
     for (const auto& corner : corners) {
         const long long left = RoundHalfUp(corner[0]);
         const long long top = RoundHalfUp(corner[1]);
-        if (top < 0 || top + height > canvasHeight) continue;
-        for (int k = 0; k <= 2 * kMaxNudge; ++k) {
-            const int nudge = (k % 2 == 1) ? (k + 1) / 2 : -(k / 2);
-            const long long l = left + nudge;
-            if (l < 0 || l + width > canvasWidth) continue;
-            const long long dx = first ? 0 : l - label.box.left;
-            if (!usedDx.insert(dx).second) continue;
-            if (first) {
-                label.box =
-                    Box(static_cast<int>(l), static_cast<int>(top), static_cast<int>(l) + width - 1,
-                        static_cast<int>(top) + height - 1);
-                first = false;
-            } else {
-                label.offsets.emplace_back(static_cast<int>(dx),
-                                           static_cast<int>(top - label.box.top));
-            }
-            break;
+        if (top < 0 || top + height > canvasHeight || left < 0 || left + width > canvasWidth) {
+            continue;
+        }
+        if (first) {
+            label.box = Box(static_cast<int>(left), static_cast<int>(top),
+                            static_cast<int>(left) + width - 1, static_cast<int>(top) + height - 1);
+            first = false;
+        } else {
+            label.offsets.emplace_back(static_cast<int>(left - label.box.left),
+                                       static_cast<int>(top - label.box.top));
         }
     }
     return !first;

@@ -18,10 +18,8 @@ constexpr int kCandidateClearance = 4;
 
 // The candidates of a label of width x height cells around the point (px, py) at the given
 // clearance, in the order they are tried: right, left, above, below, upper right, lower right,
-// upper left, lower left. A candidate that does not fit the canvas is dropped, and one whose x
-// offset from the first is already taken is nudged sideways (0, +1, -1, ... up to 8 cells) so
-// that the reported x offset tells the candidates apart. Returns false when none fits; otherwise
-// the label's box is the first candidate and its offsets lead to the others.
+// upper left, lower left. A candidate that does not fit the canvas is dropped. Returns false when
+// none fits; otherwise the label's box is the first candidate and its offsets lead to the others.
 bool LabelAround(double px, double py, int width, int height, double clearance, int canvasWidth,
                  int canvasHeight, Label& label);
 

@@ -16,11 +16,20 @@ import java.util.Map;
  *
  * <p>First the obstacles: the border pieces and, when asked, the coast pieces, forced as stroked
  * lines, and the reserved boxes (the legend's panel), forced as rectangles of cells. Then the
- * cities in order of population, each with its dot and its label together: the dot (an octagon
- * ring) is added, not forced, and then the label (the rectangle of its first candidate, its
- * further candidates as offsets). A city whose dot finds no place, or whose label finds none, is
- * dropped: its dot is recycled, so that it blocks no smaller city. So nothing of a smaller city
- * can block a larger one.
+ * cities in the scene's order (by order of size, capitals first within one), each with its dot and
+ * its label together: the dot (an octagon ring) is added, not forced, and then the label (the
+ * rectangle of its preferred candidate, the others as offsets). A city whose dot finds no place,
+ * or whose label finds none, is dropped: its dot is recycled, so that it blocks no smaller city.
+ * So nothing of a smaller city can block a larger one.
+ *
+ * <p>A label prefers the positions that cover no dot of a city still to come of nearly its size
+ * (its style or the next smaller one): those are tried first, the others after them, each group
+ * in the order of its {@link Candidates}. So a name keeps off the dot of a neighbour that comes
+ * soon after it whenever it has a free position elsewhere, and blocks it only when it has not.
+ *
+ * <p>After the pass each label left out is asked for its blockers: per position, the object
+ * placed before it that overlaps it there, named as a reader would (a city's name or dot, a
+ * border, the panel).
  *
  * <p>Lines are soft obstacles. The pass runs two containers side by side: a strict one with every
  * obstacle and a loose one without the lines; whatever is kept goes into both. A dot that only a
@@ -28,9 +37,8 @@ import java.util.Map;
  * #CROSSES_LINES_FROM} inhabitants that finds no place clear of the lines may cross one, so that
  * no large city loses its name to a border drawn through its suburbs.
  *
- * <p>The library reports only the x component of the offset at which a label was placed; the
- * candidates of one label have distinct x offsets (see {@link Candidates}), which identifies the
- * candidate.
+ * <p>The candidate a label was placed at is the object's {@link AvoidObject#candidate()}, read
+ * through the order its offsets were added in.
  */
 public final class LabelPass {
     /** Outcome of a label with no candidate inside the canvas: the city is left out. */
@@ -47,14 +55,13 @@ public final class LabelPass {
 
     /**
      * The result: per label the index of its chosen candidate, or REJECTED, NOT_OFFERED or
-     * DOT_BLOCKED, and its story; object counts (of the strict container); the dots kept on a line and the labels
-     * that cross one; and the nanoseconds spent building footprints, placing and reading the
+     * DOT_BLOCKED, and its story; object counts (of the strict container); the dots kept on a line
+     * and the labels that cross one; and the nanoseconds spent building footprints, placing and reading the
      * results.
      */
     public record Result(int[] chosen, Story[] stories, int[] objectsByKind, int placedLabels,
-            int rejectedLabels,
-            int dotsOnLines, int labelsAcrossLines, long footprintNanos, long placeNanos,
-            long readNanos) {
+            int rejectedLabels, int dotsOnLines, int labelsAcrossLines, long footprintNanos,
+            long placeNanos, long readNanos) {
         /** Short name of an outcome, for lists. */
         public static String outcome(int chosen) {
             return switch (chosen) {
@@ -278,12 +285,16 @@ public final class LabelPass {
         return label;
     }
 
+    // The candidate a label was placed at: the object's offsets follow the given order.
     private static int chosenCandidate(AvoidObject label, Candidates cand, int[] order,
             int index) {
-        int k = cand.indexOfDx(label.offsetX() + cand.left(order[0]) - cand.left(0));
-        if (k < 0) {
-            throw new IllegalStateException("label " + index + " placed at an x offset "
-                    + label.offsetX() + " that none of its candidates has");
+        int n = label.candidate();
+        int k = n >= 0 && n < order.length ? order[n] : -1;
+        if (k < 0 || label.offsetX() != cand.left(k) - cand.left(order[0])
+                || label.offsetY() != cand.top(k) - cand.top(order[0])) {
+            throw new IllegalStateException("label " + index + " placed at offset " + n + ", ("
+                    + label.offsetX() + ", " + label.offsetY() + "), which is not one of its "
+                    + cand.size() + " candidates");
         }
         return k;
     }

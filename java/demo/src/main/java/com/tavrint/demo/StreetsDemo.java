@@ -457,7 +457,7 @@ public final class StreetsDemo {
                 for (int k = 1; k < cand.size(); k++) label.addOffset(cand.dx(k), cand.dy(k));
                 objects++;
                 if (label.add()) {
-                    poiChosen.set(i, cand.indexOfDx(label.offsetX()));
+                    poiChosen.set(i, label.candidate());
                     what.put(label, p.poi().name());
                 } else {
                     List<AvoidObject> blockers = label.blockers();
