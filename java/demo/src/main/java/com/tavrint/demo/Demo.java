@@ -160,7 +160,7 @@ public final class Demo {
                 Label l = labels.get(i);
                 City c = l.city();
                 int k = chosen[i];
-                String where = "\t\t\t\t";
+                String where = "\t\t\t";
                 String candidate = "";
                 if (k >= 0) {
                     int[] b = LabelPass.labelBox(l, k);
