@@ -2,6 +2,7 @@
 #include "placement/AvoidContainer.h"
 
 #include <algorithm>
+#include <climits>
 #include <vector>
 
 CAvoidContainer::CAvoidContainer() = default;
@@ -158,22 +159,21 @@ bool CPriorityAvoidContainer::TakePalce(CAvoidObject* obj, std::vector<CAvoidObj
 
 namespace {
 
-// Blockers files extents in buckets of kBucketCells x kBucketCells cells; an extent that spans
-// more than kBucketSpan buckets in either direction, or lies beyond +-2^30, goes to a list that
-// every query reads.
-constexpr long long kBucketShift = 6;
-constexpr long long kBucketSpan = 16;
-constexpr long long kBucketReach = 1LL << 30;
+// Blockers files footprint bounds in buckets of 32 x 32 cells; bounds that span more than 32
+// buckets in either direction, and objects without bounds, go to a list that every query reads.
+constexpr int kBucketShift = 5;
+constexpr int kBucketSpan = 32;
+// The bounds of objects that have none: met by every query.
+const Box kEverywhere(INT_MIN, INT_MIN, INT_MAX, INT_MAX);
 
-bool Bucketable(const Box& e) {
-    return e.left >= -kBucketReach && e.right <= kBucketReach && e.top >= -kBucketReach &&
-           e.bottom <= kBucketReach &&
-           (e.right >> kBucketShift) - (e.left >> kBucketShift) < kBucketSpan &&
-           (e.bottom >> kBucketShift) - (e.top >> kBucketShift) < kBucketSpan;
+// Bounds lie within +-2^29: shifting them is exact.
+bool Bucketable(const Box& b) {
+    return (b.right >> kBucketShift) - (b.left >> kBucketShift) < kBucketSpan &&
+           (b.bottom >> kBucketShift) - (b.top >> kBucketShift) < kBucketSpan;
 }
 
-uint64_t BucketKey(long long col, long long row) {
-    return (static_cast<uint64_t>(col) << 32) ^ static_cast<uint32_t>(row);
+uint64_t BucketKey(int col, int row) {
+    return (static_cast<uint64_t>(static_cast<uint32_t>(col)) << 32) | static_cast<uint32_t>(row);
 }
 
 }  // namespace
@@ -195,17 +195,20 @@ void CPriorityAvoidContainer::FileForBlockers() {
     }
     m_blockersBuckets.clear();
     m_blockersLarge.clear();
+    m_blockersBounds.assign(m_blockersOrder.size(), kEverywhere);
     for (size_t rank = 0; rank < m_blockersOrder.size(); ++rank) {
         const CAvoidObject* placed = m_blockersOrder[rank];
         // An object that is not valid collides with nothing.
         if (!placed->IsValid()) continue;
-        const Box e = placed->MaxExtent();
-        if (!Bucketable(e)) {
+        Box b;
+        const bool bounded = CPlacedIndex::Bounds(*placed, b);
+        if (bounded) m_blockersBounds[rank] = b;
+        if (!bounded || !Bucketable(b)) {
             m_blockersLarge.push_back(rank);
             continue;
         }
-        for (long long row = e.top >> kBucketShift; row <= e.bottom >> kBucketShift; ++row) {
-            for (long long col = e.left >> kBucketShift; col <= e.right >> kBucketShift; ++col)
+        for (int row = b.top >> kBucketShift; row <= b.bottom >> kBucketShift; ++row) {
+            for (int col = b.left >> kBucketShift; col <= b.right >> kBucketShift; ++col)
                 m_blockersBuckets[BucketKey(col, row)].push_back(rank);
         }
     }
@@ -227,16 +230,19 @@ std::vector<CAvoidObject*> CPriorityAvoidContainer::Blockers(CAvoidObject* obj) 
         if (!obj->IsValid()) continue;
         const Box e = obj->MaxExtent();
         near.clear();
-        const auto gather = [&](const std::vector<size_t>& ranks) {
-            for (size_t rank : ranks) {
-                if (rank < limit) near.push_back(rank);
-            }
-        };
-        if (Bucketable(e)) {
+        Box b;
+        if (CPlacedIndex::Bounds(*obj, b) && Bucketable(b)) {
+            // Footprints whose bounds miss obj's cannot collide with it. Ranks are filed in
+            // ascending order.
+            const auto gather = [&](const std::vector<size_t>& ranks) {
+                for (size_t rank : ranks) {
+                    if (rank >= limit) break;
+                    if (m_blockersBounds[rank].IsIntersect(b)) near.push_back(rank);
+                }
+            };
             gather(m_blockersLarge);
-            for (long long row = e.top >> kBucketShift; row <= e.bottom >> kBucketShift; ++row) {
-                for (long long col = e.left >> kBucketShift; col <= e.right >> kBucketShift;
-                     ++col) {
+            for (int row = b.top >> kBucketShift; row <= b.bottom >> kBucketShift; ++row) {
+                for (int col = b.left >> kBucketShift; col <= b.right >> kBucketShift; ++col) {
                     const auto bucket = m_blockersBuckets.find(BucketKey(col, row));
                     if (bucket != m_blockersBuckets.end()) gather(bucket->second);
                 }
@@ -247,6 +253,7 @@ std::vector<CAvoidObject*> CPriorityAvoidContainer::Blockers(CAvoidObject* obj) 
             for (size_t rank = 0; rank < limit; ++rank)
                 near.push_back(rank);
         }
+        // The placement's own test, in placement order: the coarse extents, then the footprints.
         for (size_t rank : near) {
             CAvoidObject* placed = m_blockersOrder[rank];
             if (e.IsIntersect(placed->MaxExtent()) && placed->IsIntersect(obj)) {

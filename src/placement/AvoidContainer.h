@@ -109,8 +109,9 @@ public:
     // the placement's own test; obj's offset is back on its first when it returns.
     //
     // Computed on demand: the pass only notes, per rejection, how many objects were placed then.
-    // The first call after the placed list changed files the placed objects by extent (linear in
-    // their number); each call then meets only the placed objects near each offset.
+    // The first call after the placed list changed files the placed objects by their footprint
+    // bounds (linear in their number); each call then meets only the placed objects whose bounds
+    // share a bucket with obj's at each offset, and those without bounds.
     std::vector<CAvoidObject*> Blockers(CAvoidObject* obj);
 
 protected:
@@ -146,10 +147,12 @@ private:
     };
     Filing m_blockersFiled{~uint64_t{0}, 0, 0};
     // Blockers' files: the placed objects in order, the last rejection of each rejected object,
-    // and the placement ranks of the valid placed objects by buckets of their extents (those too
-    // large for buckets in m_blockersLarge).
+    // and the placement ranks of the valid placed objects by buckets of their footprint bounds
+    // (those too large for buckets, or without bounds, in m_blockersLarge).
     std::vector<CAvoidObject*> m_blockersOrder;
     std::unordered_map<const CAvoidObject*, size_t> m_blockersLimit;
     std::unordered_map<uint64_t, std::vector<size_t>> m_blockersBuckets;
     std::vector<size_t> m_blockersLarge;
+    // The footprint bounds of each placed object, by rank; everywhere for those without.
+    std::vector<Box> m_blockersBounds;
 };
