@@ -103,7 +103,7 @@ bench: deps-build
 	bash .ci/deps.sh bench java
 	cmake -S . -B $(BUILD)/bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DKXAC_BUILD_BENCH=ON \
 		-DKXAC_BUILD_TESTS=OFF
-	cmake --build $(BUILD)/bench --target kxac_bench kxac_placement_compare \
+	cmake --build $(BUILD)/bench --target KXAvoidContainer kxac_bench kxac_placement_compare \
 		kxac_placement_vs_bitmap -j $(JOBS)
 	mkdir -p out/bench
 	$(BUILD)/bench/bench/kxac_bench --benchmark_out=out/bench/native.json \

@@ -165,14 +165,23 @@ Scene JavaUniformLabels(int n, int64_t seed) {
         const int px = rng.NextInt(side);
         const int py = rng.NextInt(side);
         const int w = 24 + rng.NextInt(73);
-        const int left = px + c;
-        const int top = py - h / 2;
-        const int centred = px - w / 2 - left;
+        // Right of the point, left, above, below; those that fit the canvas.
+        const Location corners[] = {{px + c, py - h / 2},
+                                    {px - c - w, py - h / 2},
+                                    {px - w / 2, py - c - h},
+                                    {px - w / 2 + 1, py + c}};
         Label l;
-        l.box = Box(left, top, left + w - 1, top + h - 1);
-        l.offsets = {Location(-w - 2 * c, 0), Location(centred, py - c - h - top),
-                     Location(centred + 1, py + c - top)};
-        s.labels.push_back(std::move(l));
+        bool first = true;
+        for (const Location& at : corners) {
+            if (at.x < 0 || at.x + w > side || at.y < 0 || at.y + h > side) continue;
+            if (first) {
+                l.box = Box(at.x, at.y, at.x + w - 1, at.y + h - 1);
+                first = false;
+            } else {
+                l.offsets.emplace_back(at.x - l.box.left, at.y - l.box.top);
+            }
+        }
+        if (!first) s.labels.push_back(std::move(l));
     }
     return s;
 }

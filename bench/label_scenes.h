@@ -33,8 +33,9 @@ Scene WorldCandidateLabels(bool withLines);
 Scene UniformCandidateLabels(int n, int width, int height, uint32_t seed);
 
 // The Java benchmark's uniform workload of n labels: its random points and widths (from the same
-// generator and seed), the box right of the point and three further candidates, on the square
-// canvas that keeps the label density constant.
+// generator and seed), the candidates right of the point, left, above and below that fit the
+// canvas (the first one's box, the others as offsets; a label with none is left out), on the
+// square canvas that keeps the label density constant.
 Scene JavaUniformLabels(int n, int64_t seed);
 
 // Number of cities in the data, as the Java benchmark names its world workload.
