@@ -166,7 +166,34 @@ constexpr int kBucketSpan = 32;
 // The bounds of objects that have none: met by every query.
 const Box kEverywhere(INT_MIN, INT_MIN, INT_MAX, INT_MAX);
 
-// Bounds lie within +-2^29: shifting them is exact.
+// Coordinates and offsets within this bound add up without wrapping.
+constexpr int kTameLimit = 1 << 29;
+
+bool Tame(int v) { return v >= -kTameLimit && v <= kTameLimit; }
+
+// The bounds of obj's footprint at its current offset: its run extent and its boxes, each taken
+// between its bounds. Every footprint test answers from cells inside both objects' bounds, as
+// the placed index relies on too. False when obj has no runs, or some coordinate or offset
+// reaches beyond +-2^29.
+bool FootprintBounds(const CAvoidObject& obj, Box& out) {
+    const Location offset = obj.Offset();
+    if (!Tame(offset.x) || !Tame(offset.y)) return false;
+    const Box own = obj.RLEMaxExtent().RevOffset(offset);
+    if (!own.IsValid() || !Tame(own.left) || !Tame(own.top) || !Tame(own.right) ||
+        !Tame(own.bottom)) {
+        return false;
+    }
+    out = obj.RLEMaxExtent();
+    for (const Box& b : obj.Boxes()) {
+        if (!Tame(b.left) || !Tame(b.top) || !Tame(b.right) || !Tame(b.bottom)) return false;
+        const Box at = b.Offset(offset);
+        out.Union(Box(std::min(at.left, at.right), std::min(at.top, at.bottom),
+                      std::max(at.left, at.right), std::max(at.top, at.bottom)));
+    }
+    return true;
+}
+
+// Bounds lie within +-2^30: shifting them is exact.
 bool Bucketable(const Box& b) {
     return (b.right >> kBucketShift) - (b.left >> kBucketShift) < kBucketSpan &&
            (b.bottom >> kBucketShift) - (b.top >> kBucketShift) < kBucketSpan;
@@ -201,7 +228,7 @@ void CPriorityAvoidContainer::FileForBlockers() {
         // An object that is not valid collides with nothing.
         if (!placed->IsValid()) continue;
         Box b;
-        const bool bounded = CPlacedIndex::Bounds(*placed, b);
+        const bool bounded = FootprintBounds(*placed, b);
         if (bounded) m_blockersBounds[rank] = b;
         if (!bounded || !Bucketable(b)) {
             m_blockersLarge.push_back(rank);
@@ -231,7 +258,7 @@ std::vector<CAvoidObject*> CPriorityAvoidContainer::Blockers(CAvoidObject* obj) 
         const Box e = obj->MaxExtent();
         near.clear();
         Box b;
-        if (CPlacedIndex::Bounds(*obj, b) && Bucketable(b)) {
+        if (FootprintBounds(*obj, b) && Bucketable(b)) {
             // Footprints whose bounds miss obj's cannot collide with it. Ranks are filed in
             // ascending order.
             const auto gather = [&](const std::vector<size_t>& ranks) {

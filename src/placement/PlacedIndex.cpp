@@ -70,8 +70,6 @@ const Box kEverywhere(INT_MIN, INT_MIN, INT_MAX, INT_MAX);
 
 CPlacedIndex::~CPlacedIndex() { Clear(); }
 
-bool CPlacedIndex::Bounds(const CAvoidObject& obj, Box& out) { return BoundsOf(obj, out); }
-
 void CPlacedIndex::Clear() {
     // The objects filed so far keep the old signal: what they raise from now on reaches no one.
     if (m_filed) {

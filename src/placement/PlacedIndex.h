@@ -37,11 +37,6 @@ public:
     CPlacedIndex& operator=(const CPlacedIndex&) = delete;
     ~CPlacedIndex();
 
-    // The bounds of obj's footprint at its current offset: its run extent and its boxes (each
-    // taken between its bounds). Every footprint test answers from cells inside both objects'
-    // bounds. False when obj is not valid or some coordinate or offset reaches beyond +-2^29.
-    static bool Bounds(const CAvoidObject& obj, Box& out);
-
     // Drops every object without touching it; changes of the objects it held are no longer seen.
     void Clear();
     // The canvas, cells 0 .. width - 1 by 0 .. height - 1, whose buckets lie in the flat array.
