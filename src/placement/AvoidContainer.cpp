@@ -130,7 +130,6 @@ void CPriorityAvoidContainer::Place(CAvoidObject* obj) {
     obj->PlacedState(CAvoidObject::kPlaced);
     Append(m_placed, obj);
     m_index.Insert(obj);
-    ++m_placedChanges;
 }
 
 void CPriorityAvoidContainer::SyncIndex() {
@@ -209,7 +208,7 @@ void CPriorityAvoidContainer::FileForBlockers() {
     // A placed object that moved or changed its footprint makes the index stale.
     SyncIndex();
     // Recycle takes rejected objects off the unplaced list without telling; a rejection adds one.
-    const Filing now{m_placedChanges, m_unplaced.size(), m_rejections.size()};
+    const Filing now{m_placedChanges, m_placed.size(), m_unplaced.size(), m_rejections.size()};
     if (m_blockersFiled == now) return;
     m_blockersFiled = now;
     m_blockersOrder.assign(m_placed.begin(), m_placed.end());

@@ -132,20 +132,23 @@ private:
         size_t placedBefore;
     };
     std::vector<Rejection> m_rejections;
-    // Counts changes of the placed list and refilings of the index.
+    // Counts the changes of the placed list other than placements (recycling, resets) and the
+    // refilings of the index. Between two of them the placed list only grows, so this count and
+    // the list's size tell whether it changed.
     uint64_t m_placedChanges = 0;
-    // What Blockers' files were made from: the count of changes of the placed list, the sizes of
-    // the unplaced list and of the rejections.
+    // What Blockers' files were made from: the count above, the sizes of the placed and unplaced
+    // lists and of the rejections.
     struct Filing {
         uint64_t placedChanges;
+        size_t placed;
         size_t unplaced;
         size_t rejections;
         bool operator==(const Filing& o) const {
-            return placedChanges == o.placedChanges && unplaced == o.unplaced &&
-                   rejections == o.rejections;
+            return placedChanges == o.placedChanges && placed == o.placed &&
+                   unplaced == o.unplaced && rejections == o.rejections;
         }
     };
-    Filing m_blockersFiled{~uint64_t{0}, 0, 0};
+    Filing m_blockersFiled{~uint64_t{0}, 0, 0, 0};
     // Blockers' files: the placed objects in order, the last rejection of each rejected object,
     // and the placement ranks of the valid placed objects by buckets of their footprint bounds
     // (those too large for buckets, or without bounds, in m_blockersLarge).
