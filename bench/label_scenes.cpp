@@ -8,7 +8,6 @@ namespace kxbench {
 namespace {
 
 constexpr int kWorldWidth = 8192;
-constexpr int kWorldHeight = 4096;
 constexpr int kPieceSpan = 48;
 constexpr int kLineHalfWidth = 1;
 constexpr int kCharWidth = 7;
@@ -22,22 +21,23 @@ long long RoundHalfUp(double v) {
 }
 
 // The world projection of the Java demo for the whole globe: one scale for both axes, the
-// canvas centre at (0, 0) degrees.
-constexpr double kUnitsPerCell = 360.0 / kWorldWidth;
-double WorldX(double lon) { return lon / kUnitsPerCell + kWorldWidth / 2.0; }
-double WorldY(double lat) { return (0.0 - lat) / kUnitsPerCell + kWorldHeight / 2.0; }
+// canvas centre at (0, 0) degrees, on a canvas of width x width / 2 cells.
+double WorldX(double lon, int width) { return lon / (360.0 / width) + width / 2.0; }
+double WorldY(double lat, int width) { return (0.0 - lat) / (360.0 / width) + width / 4.0; }
 int ToCell(double v) {
     const double limit = 1 << 22;
     return static_cast<int>(RoundHalfUp(std::max(-limit, std::min(limit, v))));
 }
 
 // Each polyline's vertices as cells of the world canvas.
-std::vector<std::vector<int>> WorldPolylines(const std::vector<std::vector<double>>& lines) {
+std::vector<std::vector<int>> WorldPolylines(const std::vector<std::vector<double>>& lines,
+                                             int width) {
     std::vector<std::vector<int>> cells;
     for (const std::vector<double>& lonLat : lines) {
         std::vector<int> xy;
         for (size_t i = 0; i + 1 < lonLat.size(); i += 2)
-            xy.insert(xy.end(), {ToCell(WorldX(lonLat[i])), ToCell(WorldY(lonLat[i + 1]))});
+            xy.insert(xy.end(),
+                      {ToCell(WorldX(lonLat[i], width)), ToCell(WorldY(lonLat[i + 1], width))});
         cells.push_back(std::move(xy));
     }
     return cells;
@@ -111,23 +111,23 @@ bool LabelAround(double px, double py, int width, int height, double clearance, 
 
 size_t WorldCityCount() { return WorldData().cities.size(); }
 
-Scene WorldCandidateLabels(bool withLines) {
+Scene WorldCandidateLabels(bool withLines, int width) {
     Scene s;
-    s.width = kWorldWidth;
-    s.height = kWorldHeight;
+    s.width = width;
+    s.height = width / 2;
     const std::vector<City>& cities = WorldData().cities;
     s.labels.reserve(cities.size());
     for (const City& c : cities) {
         Label l;
-        const int width = kCharWidth * c.nameLength + kLabelMargin;
-        if (LabelAround(WorldX(c.lon), WorldY(c.lat), width, kCandidateLabelHeight,
-                        kCandidateClearance, s.width, s.height, l)) {
+        const int labelWidth = kCharWidth * c.nameLength + kLabelMargin;
+        if (LabelAround(WorldX(c.lon, width), WorldY(c.lat, width), labelWidth,
+                        kCandidateLabelHeight, kCandidateClearance, s.width, s.height, l)) {
             s.labels.push_back(std::move(l));
         }
     }
     if (withLines) {
         for (const auto* lines : {&WorldData().borders, &WorldData().coast}) {
-            for (const auto& xy : WorldPolylines(*lines)) {
+            for (const auto& xy : WorldPolylines(*lines, width)) {
                 for (auto& piece : SplitPolyline(xy, kPieceSpan))
                     s.forced.push_back({std::move(piece), kLineHalfWidth});
             }

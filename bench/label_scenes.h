@@ -24,9 +24,10 @@ bool LabelAround(double px, double py, int width, int height, double clearance, 
                  int canvasHeight, Label& label);
 
 // The labels of every city of the data (most populous first) around their points on an
-// equirectangular world canvas of 8192 x 4096 cells, width seven cells per character of the
-// name plus two; with the borders and the coastline as forced stroked pieces when withLines.
-Scene WorldCandidateLabels(bool withLines);
+// equirectangular world canvas of width x width / 2 cells (8192 x 4096 by default), width seven
+// cells per character of the name plus two; with the borders and the coastline as forced stroked
+// pieces when withLines.
+Scene WorldCandidateLabels(bool withLines, int width = 8192);
 
 // n labels at random points of a width x height canvas, widths 24 to 96 cells, with their
 // candidates around the point; no obstacles.

@@ -291,10 +291,16 @@ void LibraryAgainstBitmapTable(bool quick, bool skip) {
         {"world cities, up to 8 candidates", [] { return kxbench::WorldCandidateLabels(false); }},
         {"uniform 10k", [] { return kxbench::UniformCandidateLabels(10000, 4096, 4096, kSeed); }},
         {"uniform 100k", [] { return kxbench::UniformCandidateLabels(100000, 4096, 4096, kSeed); }},
+        // A whole zoom level of a world map in one pass.
+        {"world cities, zoom 8, up to 8 candidates",
+         [] { return kxbench::WorldCandidateLabels(false, 65536); }},
     };
     if (!quick) {
         cases.push_back({"uniform 1M", [] {
                              return kxbench::UniformCandidateLabels(1000000, 4096, 4096, kSeed);
+                         }});
+        cases.push_back({"uniform 1M, large canvas", [] {
+                             return kxbench::UniformCandidateLabels(1000000, 65536, 65536, kSeed);
                          }});
     }
     std::printf(

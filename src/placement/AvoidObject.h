@@ -14,7 +14,25 @@
 #include "placement/Transform.h"
 #include "stdafx.h"
 
+// Private steps whose signatures name the rasterizer's or the scratch's types, kept out of the
+// exported symbols as those types are.
+#if defined(__GNUC__) || defined(__clang__)
+#define KXAC_HIDDEN __attribute__((visibility("hidden")))
+#else
+#define KXAC_HIDDEN
+#endif
+
 namespace kxac {
+// What the placement is exact for. A canvas (device rect) of up to kMaxCanvasSide cells a side
+// gets exact cells everywhere. A stroke segment or ring whose bounds in subpixels reach across
+// at most kMaxExactShapeWidth cells and down at most kMaxExactShapeHeight cells (a ring of whole
+// cells from x to x + kMaxExactShapeWidth) is drawn at the cost of its own extent wherever it
+// lies; a larger one is drawn in tiles of the raster of 32,000 x 65,000 cells, at the cost of the
+// tiles it reaches. Both give exactly the cells they cover.
+constexpr long long kMaxCanvasSide = 1LL << 30;
+constexpr int kMaxExactShapeWidth = 32765;
+constexpr int kMaxExactShapeHeight = 65533;
+
 // The fields of an avoid object that every collision test reads. Kept in a base of their own so
 // that they lie next to the object's grid, ahead of its raster: a test of a placed object then
 // touches the start of the object only.
@@ -51,30 +69,29 @@ struct AvoidObjectFields {
 // value is ignored, and a null array draws nothing. A segment of length 0 draws nothing.
 //
 // The rasterizer is exact for cell coordinates within 16 bits and shapes narrower than 32,767
-// columns; a stroke or ring inside that range gives exactly its cells. One that leaves it (for
-// instance coordinates of a million cells) is first clipped to a window of the raster with a
-// margin of a few cells, so the cells inside the raster are those of the exact shape, up to the
-// rounding of the clipped vertices to subpixels at the window's edge. The window reaches at most
-// 32,000 cells into the raster: on a larger canvas, cells beyond that come only from shapes
-// inside the range.
+// columns. A stroke or ring whose own extent fits that range (kMaxExactShapeWidth by
+// kMaxExactShapeHeight cells) gives exactly its cells wherever it lies: out of the range it is
+// drawn in a frame moved by whole cells to its bounds, and its spans are moved back. A larger one
+// (for instance with coordinates a million cells apart) is drawn in tiles of the raster of 32,000
+// columns by 65,000 rows, each from the pieces of its edges in the tile, cut where the edges'
+// own walk crosses the tile's rows and columns: its cells are exact too.
 //
-// Cost of one call, with n points, R = min(canvas height, 32,008) and C = min(canvas width,
-// 32,008) (a shape inside the rasterizer's range stands for its own extent instead, under 65,536
-// rows and 32,767 columns):
-// - AddRing: O(n) to bound and clip the ring, then the outline, which walks only cells it stores
-//   (plus O(1) per edge and per row an edge crosses) and stores at most 4,194,304 cells per
-//   polygon; sorting and sweeping them, and merging the runs of at most R rows. So at most
-//   O(n + R + 2^22 log 2^22), whatever the coordinates; once an object's outline has stored that
-//   many cells it stores none again, and later polygons cost O(their points).
-// - AddLine: O(n) for the segments that miss the canvas. A segment that meets it is clipped
-//   (O(1)) and then skipped at O(log) cost when the raster holds none of its cells, or when every
-//   row it spans is already one run from column 0 to at least min(width, 32,004) - 1 and it
-//   reaches no further right; such rows are found as the call draws, and read from the grid,
-//   once each, when a segment lies over them. Any other segment is rasterised: O(R + C) cells,
-//   their sort, and run merges over its rows. So a call costs at most O(n + s (R + C) log(R + C))
-//   for s segments drawn, and a stroke that covers the whole raster makes every later segment of
-//   the call cost O(1). A segment that covers only cells already occupied, in rows that are not
-//   full, is still drawn.
+// Cost of one call, with n points, R the canvas height and C its width (a shape that fits the
+// range stands for its own extent instead), and T = min(R, 65,000) + min(C, 32,000) for a tile:
+// - AddRing: O(n) to bound the ring. In a frame, the outline walks only cells it stores (plus
+//   O(1) per edge and per row an edge crosses) and stores at most 4,194,304 cells per polygon;
+//   sorting and sweeping them, and merging the runs of its rows. In tiles, each tile takes every
+//   edge at O(log T) (the rows where it lies beside the tile by bisection, their cover summed
+//   into one cell a row and side) plus O(1) per row and column it crosses inside the tile, then
+//   the same walk and sweep. Once an object's outline has stored 4,194,304 cells it stores none
+//   again, and later polygons cost O(their points) per tile.
+// - AddLine: O(n) for the segments that miss the canvas. A segment that meets it is skipped at
+//   O(log) cost when the raster holds none of its cells, or when every row it spans is already
+//   one run from column 0 to the raster's last column; such rows are found as the call draws, and
+//   read from the grid, once each, when a segment lies over them. Any other segment is
+//   rasterised: O(T) cells per tile it reaches, their sort, and run merges over its rows. A
+//   stroke that covers the whole raster makes every later segment of the call cost O(log). A
+//   segment that covers only cells already occupied, in rows that are not full, is still drawn.
 // Answers are the same as drawing every polygon in full, to the cell.
 class KXAC_API CAvoidObject : private kxac::AvoidObjectFields,
                               private CRLEIndexCreate,
@@ -221,20 +238,35 @@ private:
     kxac::FootprintScratch& Scratch() { return CRLERaster::DT()->footprint; }
     // Rasterises the polygon in Scratch().polygon (subpixel coordinates, not yet truncated).
     void DrawPolygon();
+    // The same for a polygon out of the rasterizer's range whose vertices are given from the
+    // cell (originX, originY): drawn in a frame of its own, or in tiles of the raster when it is
+    // too large for one.
+    void DrawFar(long long originX, long long originY);
+    // Moves the polygon (whole subpixels of the canvas) into the frame whose first cell is the
+    // range's first, and draws it there into the window.
+    KXAC_HIDDEN void DrawInFrame(double minX, double minY, agg::emit_window window);
+    // Draws the cells of the polygon (whole subpixels of the canvas) that lie in the tile, in a
+    // frame of the tile, from the pieces of its edges there; into target when given.
+    KXAC_HIDDEN void DrawTile(agg::emit_window tile, agg::rendering_buffer* target);
+    // Adds the spans in order of rows and columns, those that meet joined.
+    KXAC_HIDDEN void AddSpans(std::vector<kxac::FootprintScratch::Span>& spans);
+    // Draws the vertices in Scratch().subpixels, of the frame window.dx, window.dy, keeping the
+    // cells of the window.
+    KXAC_HIDDEN void DrawFramed(const agg::emit_window& window, bool rectangle);
     void DrawSegment(int x0, int y0, int x1, int y1, int width);
-    // Adds the cells of a polygon that is a rectangle on cell corners, with these bounds in
-    // subpixels, as the sweep would.
-    void DrawCellRectangle(double minX, double minY, double maxX, double maxY);
+    // Adds the cells left .. right of the rows top .. bottom, as the sweep adds those of a
+    // rectangle on cell corners.
+    void DrawCellRectangle(long long left, long long top, long long right, long long bottom);
     // Whether the closed rectangle of the canvas misses the bounding box.
     bool OutsideCanvas(double minX, double minY, double maxX, double maxY);
-    // The columns that clipped polygons reach: the raster's width, at most the clip window's.
-    int FullWidth();
+    // The columns of a full row: the raster's width.
+    long long FullWidth();
+    // The raster's cells, columns and rows within 32 bits, unshifted.
+    KXAC_HIDDEN agg::emit_window RasterWindow();
     // Adds to Scratch().fullRows the rows of firstRow .. lastRow that are full (one run from column
     // 0 to at least FullWidth() - 1), stopping at the first that is not when untilGap is set.
     // Whether every row of the range is full.
     bool NoteFullRows(int firstRow, int lastRow, bool untilGap);
-    // Takes firstRow .. lastRow out of Scratch().fullRows.
-    void ForgetFullRows(int firstRow, int lastRow);
     // The runs-against-runs part of IsIntersect(o).
     bool RunsMeet(CAvoidObject* o) const;
     // Empties the grid, keeping the room of a few rows for the next footprint.

@@ -1,23 +1,27 @@
-// Occupancy of the canvas: one bit per cell, 64 cells to a word, row by row.
+// Occupancy of the canvas: one bit per cell, 64 cells to a word, in blocks of 64 columns by 16
+// rows that exist only where something was drawn.
 //
 // The placed objects whose footprint is plain runs lying wholly on the canvas are drawn here, so
 // that testing a candidate against all of them costs a few word tests per row of the candidate,
-// however many objects are placed. Clearing touches only the rows that were drawn in.
+// however many objects are placed. Memory follows the area drawn in, not the canvas: a block is
+// 128 bytes, and the directory that finds blocks costs 4 bytes per block of the canvas up to
+// kMaxFlatBlocks blocks (a canvas of 65,536 x 65,536 cells), beyond which it is a hash map of the
+// blocks in use. Clearing touches only the blocks in use, and keeps their memory for the next
+// pass.
 #pragma once
 
-#include <algorithm>
 #include <cassert>
-#include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace kxac {
 
 class Occupancy {
 public:
-    // Covers cells 0 .. columns - 1 by 0 .. rows - 1, all free. Columns and rows are capped so
-    // that the bitmap stays within kMaxWords words; what lies beyond is not covered.
+    // Covers cells 0 .. columns - 1 by 0 .. rows - 1, all free.
     void Cover(long long columns, long long rows);
     long long Columns() const { return m_columns; }
     long long Rows() const { return m_rows; }
@@ -28,65 +32,59 @@ public:
     }
 
     // Cells first .. last of a covered row; the span must lie inside the covered columns.
-    void Set(long long row, long long first, long long last) {
-        assert(Covers(first, row, last, row));
-        uint64_t* words = Row(row);
-        const long long w0 = first >> 6, w1 = last >> 6;
-        if (w0 == w1) {
-            words[w0] |= Mask(first & 63, last & 63);
-        } else {
-            words[w0] |= Mask(first & 63, 63);
-            for (long long w = w0 + 1; w < w1; ++w)
-                words[w] = ~uint64_t{0};
-            words[w1] |= Mask(0, last & 63);
-        }
-        m_firstDrawn = std::min(m_firstDrawn, row);
-        m_lastDrawn = std::max(m_lastDrawn, row);
-    }
+    void Set(long long row, long long first, long long last) { Set(row, row, first, last); }
+    // The same in every row of top .. bottom.
+    void Set(long long top, long long bottom, long long first, long long last);
     // Whether any cell first .. last of a covered row is set.
     bool Any(long long row, long long first, long long last) const {
         return Any(row, row, first, last);
     }
     // Whether any cell of columns first .. last in rows top .. bottom is set; the rectangle must
     // lie inside the covered cells.
-    bool Any(long long top, long long bottom, long long first, long long last) const {
-        assert(Covers(first, top, last, bottom));
-        const long long w0 = first >> 6, w1 = last >> 6;
-        const uint64_t head = Mask(first & 63, w0 == w1 ? last & 63 : 63);
-        const uint64_t tail = Mask(0, last & 63);
-        const uint64_t* words = Row(top);
-        for (long long row = top; row <= bottom; ++row, words += m_stride) {
-            if ((words[w0] & head) != 0) return true;
-            if (w0 == w1) continue;
-            for (long long w = w0 + 1; w < w1; ++w) {
-                if (words[w] != 0) return true;
-            }
-            if ((words[w1] & tail) != 0) return true;
-        }
-        return false;
-    }
+    bool Any(long long top, long long bottom, long long first, long long last) const;
     // Frees every cell.
     void Clear();
+    // Blocks in use.
+    size_t Blocks() const { return m_keys.size(); }
 
-    static constexpr size_t kMaxWords = size_t{1} << 22;
+    static constexpr int kBlockShift = 4;
+    static constexpr int kBlockRows = 1 << kBlockShift;
+    static constexpr long long kMaxFlatBlocks = 1LL << 22;
 
 private:
+    static constexpr int kChunkShift = 12;  // blocks per chunk of storage
+    // The block of a word column and a block row: its place in the flat directory, or its key
+    // in the hash map.
+    uint64_t Key(long long wordColumn, long long blockRow) const {
+        const long long columns = m_flat ? m_wordColumns : kKeyColumns;
+        return static_cast<uint64_t>(blockRow) * static_cast<uint64_t>(columns) +
+               static_cast<uint64_t>(wordColumn);
+    }
     // The bits first .. last (0 .. 63) of a word.
     static uint64_t Mask(long long first, long long last) {
         return (~uint64_t{0} >> (63 - last)) & (~uint64_t{0} << first);
     }
-    uint64_t* Row(long long row) { return m_bits.data() + static_cast<size_t>(row) * m_stride; }
-    const uint64_t* Row(long long row) const {
-        return m_bits.data() + static_cast<size_t>(row) * m_stride;
+    uint64_t* At(uint32_t index) const {
+        const uint32_t inChunk = index & ((1u << kChunkShift) - 1);
+        return m_chunks[index >> kChunkShift].get() + inChunk * kBlockRows;
     }
+    // The block's words, or null when nothing was drawn in it.
+    const uint64_t* Find(uint64_t key) const;
+    uint64_t* Make(uint64_t key);
 
-    std::vector<uint64_t> m_bits;
-    size_t m_stride = 0;
+    // Word columns of the largest canvas: keys of blocks never collide.
+    static constexpr long long kKeyColumns = (1LL << 31) / 64 + 1;
+
     long long m_columns = 0;
     long long m_rows = 0;
-    // The rows drawn in since the last Clear: firstDrawn > lastDrawn when none.
-    long long m_firstDrawn = LLONG_MAX;
-    long long m_lastDrawn = -1;
+    long long m_wordColumns = 0;
+    // Flat: the block index + 1 of every block of the canvas, 0 for none.
+    bool m_flat = true;
+    std::vector<uint32_t> m_directory;
+    std::unordered_map<uint64_t, uint32_t> m_far;
+    // Block storage in chunks that never move; blocks 0 .. m_keys.size() - 1 are in use.
+    std::vector<std::unique_ptr<uint64_t[]>> m_chunks;
+    std::vector<uint64_t> m_keys;
 };
 
 }  // namespace kxac

@@ -256,8 +256,7 @@ void CPlacedIndex::Draw(const CAvoidObject& obj) {
             return false;
         },
         [this](long long top, long long bottom, long long lo, long long hi) {
-            for (long long y = top; y <= bottom; ++y)
-                m_occupancy.Set(y, lo, hi);
+            m_occupancy.Set(top, bottom, lo, hi);
             return false;
         });
 }

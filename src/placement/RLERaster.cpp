@@ -57,8 +57,10 @@ agg::rasterizer& CRLERaster::Rasterizer() {
     return r;
 }
 
-void CRLERaster::Sweep() {
+void CRLERaster::Sweep(const agg::emit_window& window) { Sweep(*this, window); }
+
+void CRLERaster::Sweep(agg::rendering_buffer& target, const agg::emit_window& window) {
     agg::rasterizer& r = dt->raster;
-    r.render<CRLECreate>(*this);
+    r.render<CRLECreate>(target, window);
     blocks = r.get_outline().blocks_counted();
 }

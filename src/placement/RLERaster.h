@@ -46,8 +46,10 @@ protected:
     // drawn into its outline must be swept before another raster asks for it.
     agg::rasterizer& Rasterizer();
     // Sweeps the rasterizer's current outline into this raster: each clipped span goes to
-    // AddRLE. Nothing happens when the outline holds no cells.
-    void Sweep();
+    // AddRLE, shifted and cut to the window. Nothing happens when the outline holds no cells.
+    void Sweep(const agg::emit_window& window = agg::emit_window());
+    // The same into another target, whose width and height clip the spans instead.
+    void Sweep(agg::rendering_buffer& target, const agg::emit_window& window);
     // Whether a polygon of this raster once used every cell block the rasterizer allows: no
     // later polygon stores a cell.
     bool Exhausted() const { return blocks >= agg::outline::block_limit; }

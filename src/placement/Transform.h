@@ -38,16 +38,29 @@ public:
 };
 
 namespace kxac {
-// What lines and rings are drawn through: the polygon being drawn, its clipping and its vertices
-// in subpixels, and the bands of rows (first -> last) known, during one line or ring call, to be
-// full across the raster. Reused from call to call; the vectors only grow.
+// What lines and rings are drawn through: the polygon being drawn, its vertices in subpixels,
+// the spans of its tiles, and the bands of rows (first -> last) known, during one line or ring
+// call, to be full across the raster. Reused from call to call; the vectors only grow.
 struct FootprintScratch {
+    // A span of cells first .. last of a row.
+    struct Span {
+        int row;
+        int first;
+        int last;
+    };
     std::vector<double> polygon;
-    std::vector<double> clipped;
+    // The spans of a band of tiles, gathered to be added in the order a whole sweep adds them.
+    std::vector<Span> spans;
+    // The cover carried into a tile from beside it, row by row.
+    std::vector<long long> sidePartial;
+    std::vector<long long> sideFull;
     std::vector<int> subpixels;
     std::map<int, int> fullRows;
     // On: every polygon is rasterised in full, with no shortcut (for comparisons).
     bool drawEverything = false;
+    // Above 0: every polygon is drawn in tiles of this many cells a side, as those too large for
+    // the rasterizer's range are (for comparisons).
+    int tileCells = 0;
 };
 }  // namespace kxac
 

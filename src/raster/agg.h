@@ -12,6 +12,7 @@
 // place where this matters says what happens.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 namespace agg {
@@ -117,6 +118,15 @@ public:
     // An edge 32,768 or more columns wide (beyond the supported range) is first cut into
     // shorter pieces, which keeps the walk's arithmetic inside 32 bits.
     void line_to(int x, int y);
+    // One edge on its own, in no contour: it adds to the cells what it adds as an edge of a
+    // contour whose pen stands at (x1, y1), and neither moves the pen nor closes anything. An
+    // edge's cells can so be added piece by piece: pieces that end where the edge crosses row
+    // boundaries, and within a row column boundaries, at the subpixels where the edge's own walk
+    // crosses them, add exactly the edge's cells. Ignored once the cells are sorted.
+    void edge(int x1, int y1, int x2, int y2);
+    // Adds cover and no area to cell (x, y), as edges at the cell's left boundary whose heights
+    // sum to cover would. Ignored once the cells are sorted.
+    void cover(int x, int y, int cover);
 
     // Closes the open contour, stores the current cell and sorts (once per polygon). Returns the
     // null-terminated array of cell pointers in (row, column) order, or null with no cells.
@@ -268,6 +278,19 @@ struct run_row {
     Sink* row_sink;
 };
 
+// Where a sweep's spans go: each cell (x, y) of the outline is emitted as (x + dx, y + dy), and
+// only the cells of columns x0 .. x1 and rows y0 .. y1 of the target (within its width and
+// height) are kept. Whole-cell shifts are exact, so an outline drawn in a frame of its own gives
+// the cells of the same polygon drawn in place.
+struct emit_window {
+    int64_t dx = 0;
+    int64_t dy = 0;
+    int64_t x0 = 0;
+    int64_t y0 = 0;
+    int64_t x1 = INT64_MAX;
+    int64_t y1 = INT64_MAX;
+};
+
 class rasterizer {
 public:
     static const unsigned char s_default_gamma[256];
@@ -299,7 +322,12 @@ public:
     // run_row<Sink>::row_sink->AddRLE(row, first, last) of the record that target.row(row)
     // returns. The target is reached only through rendering_buffer's virtual operations.
     template <class Sink>
-    void render(rendering_buffer& target);
+    void render(rendering_buffer& target) {
+        render<Sink>(target, emit_window());
+    }
+    // The same, shifted and cut to the window.
+    template <class Sink>
+    void render(rendering_buffer& target, const emit_window& window);
 
 private:
     // Walks the sorted, non-empty list once; emit(x, y, n, coverage) receives every covered run
@@ -307,7 +335,7 @@ private:
     template <class Emit>
     void sweep(const cell* const* list, Emit&& emit);
     template <class Sink>
-    void emit_scanline(rendering_buffer& target);
+    void emit_scanline(rendering_buffer& target, const emit_window& window);
 
     outline outline_;
     scanline scanline_;
@@ -345,38 +373,41 @@ void rasterizer::sweep(const cell* const* list, Emit&& emit) {
 }
 
 template <class Sink>
-void rasterizer::render(rendering_buffer& target) {
+void rasterizer::render(rendering_buffer& target, const emit_window& window) {
     const cell* const* list = outline_.cells();
     if (list == nullptr || outline_.cell_count() == 0) return;
     scanline_.reset(outline_.min_x(), outline_.max_x(), 0, 0);
     sweep(list, [&](int x, int y, unsigned n, unsigned a) {
         if (scanline_.ready(y)) {
-            emit_scanline<Sink>(target);
+            emit_scanline<Sink>(target, window);
             scanline_.clear();
         }
         scanline_.add_span(x, y, n, gamma_table_[a]);
     });
-    if (scanline_.span_count() != 0) emit_scanline<Sink>(target);
+    if (scanline_.span_count() != 0) emit_scanline<Sink>(target, window);
 }
 
 template <class Sink>
-void rasterizer::emit_scanline(rendering_buffer& target) {
+void rasterizer::emit_scanline(rendering_buffer& target, const emit_window& window) {
     // 64-bit sums: offsets and indexes may be anything outside the supported range.
-    const int64_t r = static_cast<int64_t>(scanline_.last_y()) + scanline_.offset_y();
-    if (r < 0 || r >= static_cast<int64_t>(target.height())) return;
+    const int64_t r = static_cast<int64_t>(scanline_.last_y()) + scanline_.offset_y() + window.dy;
+    const int64_t bottom = std::min<int64_t>(window.y1, int64_t{target.height()} - 1);
+    if (r < 0 || r < window.y0 || r > bottom) return;
     const auto* rec = reinterpret_cast<const run_row<Sink>*>(target.row(static_cast<unsigned>(r)));
-    const int64_t base = static_cast<int64_t>(scanline_.origin_x()) + scanline_.offset_x();
+    const int64_t base =
+        static_cast<int64_t>(scanline_.origin_x()) + scanline_.offset_x() + window.dx;
+    const int64_t left = std::max<int64_t>(window.x0, 0);
+    const int64_t right = std::min<int64_t>(window.x1, int64_t{target.width()} - 1);
     for (unsigned k = 1; k <= scanline_.span_count(); ++k) {
         int64_t x = base + scanline_.span_index(k);
         int64_t n = scanline_.span_length(k);
-        if (x < 0) {
-            n += x;
+        if (x < left) {
+            n -= left - x;
             if (n < 1) continue;
-            x = 0;
+            x = left;
         }
-        const int64_t w = target.width();
-        if (x + n >= w) {
-            n = w - x;
+        if (x + n - 1 > right) {
+            n = right - x + 1;
             if (n < 1) continue;
         }
         rec->row_sink->AddRLE(static_cast<int>(rec->row_index), static_cast<int>(x),

@@ -149,8 +149,11 @@ private:
         m_pooledListed.erase(std::remove_if(m_pooledListed.begin(), m_pooledListed.end(),
                                             [&](const Pair& q) { return q.fast == p.fast; }),
                              m_pooledListed.end());
-        for (int parts = Uniform(1, 3); parts > 0; --parts)
+        for (int parts = Uniform(1, 3); parts > 0; --parts) {
             Draw(p);
+            // The reference expands held rectangles into rows: a reused object must not tell.
+            ASSERT_EQ(p.fast->RLEMaxExtent(), p.slow->RLEMaxExtent());
+        }
         m_held.push_back(p);
     }
 

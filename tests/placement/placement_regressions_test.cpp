@@ -133,20 +133,40 @@ TEST(Sweep, PolygonsOverFullRowsAndRectanglesOnCellCornersSkipIt) {
     c.Recycle(obj);
 }
 
-TEST(Occupancy, LargeCanvasesAreCoveredOnlyInPartAndClearingStaysInTheRows) {
-    kxac::Occupancy bits;
-    bits.Cover(40000, 40000);
-    EXPECT_LE(static_cast<size_t>((bits.Columns() + 63) / 64 * bits.Rows()),
-              kxac::Occupancy::kMaxWords);
-    EXPECT_EQ(std::make_tuple(bits.Covers(0, 0, 39999, 39999),
-                              bits.Covers(0, 0, 39999, bits.Rows() - 1), bits.Covers(2, 1, 3, 1)),
-              std::make_tuple(false, true, true));
-    bits.Cover(0, 100);
-    EXPECT_FALSE(bits.Covers(0, 0, 0, 0));
-    bits.Cover(64, 1);
-    bits.Set(0, 3, 5);
-    bits.Clear();
-    EXPECT_FALSE(bits.Any(0, 0, 63));
+// The occupancy against a list of the rectangles drawn, on a canvas whose blocks have a flat
+// directory and on one that finds them by hash, near block edges and the far corner.
+TEST(Occupancy, AnswersAsTheRectanglesDrawnOnAnyCanvas) {
+    testing_support::Random any{std::mt19937(5)};
+    for (const long long side : {1000LL, 1LL << 30}) {
+        kxac::Occupancy bits;
+        bits.Cover(side, side - 7);
+        ASSERT_TRUE(bits.Covers(0, 0, side - 1, side - 8));
+        ASSERT_FALSE(bits.Covers(0, 0, side, 0));
+        std::vector<Box> drawn;
+        // Corners near the origin and near the far corner of the canvas.
+        const auto at = [&](long long limit) {
+            const long long v = any(0, 1) == 0 ? any(0, 200) : limit - 1 - any(0, 200);
+            return static_cast<int>(v);
+        };
+        for (int round = 0; round < 3; ++round) {
+            for (int i = 0; i < 400; ++i) {
+                const int x = at(side - 70), y = at(side - 30);
+                const Box b(x, y, x + any(0, 69), y + any(0, 20));
+                const bool hit = std::any_of(drawn.begin(), drawn.end(),
+                                             [&](const Box& d) { return d.IsIntersect(b); });
+                ASSERT_EQ(bits.Any(b.top, b.bottom, b.left, b.right), hit) << side << " " << i;
+                if (any(0, 2) == 0) {
+                    bits.Set(b.top, b.bottom, b.left, b.right);
+                    drawn.push_back(b);
+                }
+            }
+            // Blocks only where something was drawn; none after clearing.
+            EXPECT_LE(bits.Blocks(), drawn.size() * 9);
+            bits.Clear();
+            drawn.clear();
+            EXPECT_EQ(bits.Blocks(), 0u);
+        }
+    }
 }
 
 // A footprint held as one rectangle answers every collision test as the same cells stored row by
@@ -179,7 +199,7 @@ TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
         const Box probe(any(-10, 70), any(-10, 70), any(-10, 70), any(-10, 70));
         std::string answers[2];
         testing_support::CellSet cells[2];
-        for (bool held : {false, true}) {
+        for (bool held : {true, false}) {
             CAvoidObject* objs[4];
             for (CAvoidObject*& obj : objs) {
                 obj = c.NewObject();
@@ -195,6 +215,11 @@ TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
                             std::to_string(objs[3]->IsExistRLE(probe)) +
                             std::to_string(objs[0]->MaxExtent().left + objs[0]->MaxExtent().bottom);
             cells[held] = testing_support::CellsOf(*objs[0]);
+            // Reset keeps the grid's start row: an empty grid recorded afterwards ends a row
+            // above it, whether the rows were stored or held.
+            objs[1]->Reset();
+            objs[1]->AddLine(line, 2, 1);
+            answers[held] += " " + RunsText(*objs[1]);
             for (CAvoidObject* o : objs)
                 c.Recycle(o);
         }
