@@ -157,7 +157,7 @@ TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkippedAndShortCapacitiesWriteNothing) 
     Bytes block(8 + 36);
     EXPECT_EQ(index.Save(block.data(), 8 + 36), 8 + 36);
     EXPECT_EQ(block, Cat({kHeader, kSmallLevel}));
-    // No room for the header or a level: nothing written, an empty level included.
+    // No room for the header or a level, or no buffer: nothing written, an empty level included.
     std::unique_ptr<CRLEIndexCreate> level(SmallLevel());
     CRLEIndex withMeta;
     withMeta.Metadata(block.data(), 3);
@@ -168,6 +168,7 @@ TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkippedAndShortCapacitiesWriteNothing) 
     }
     EXPECT_EQ(withMeta.Save(block.data(), 10), 0);
     EXPECT_EQ(level->Save(block.data(), 35), 0);
+    EXPECT_EQ(level->Save(nullptr, 64), 0);
     EXPECT_EQ(index.LevelAt(0)->Save(block.data(), 64), 0);
     EXPECT_EQ(block, untouched);
 }

@@ -258,6 +258,7 @@ TEST(RleGrid, RandomCellsMatchSetOfCellsAndCursorYieldsThemInOrder) {
     EXPECT_EQ(Drain(cursor), Cells(model.begin(), model.end()));
     cursor.Reset();
     EXPECT_EQ(Drain(cursor), Cells(model.begin(), model.end()));
+    detached.Reset();
     EXPECT_TRUE(Drain(detached).empty());
 }
 

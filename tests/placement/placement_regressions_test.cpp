@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <random>
 #include <string>
 #include <tuple>
@@ -208,3 +209,30 @@ TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
 }
 
 }  // namespace
+
+// Every kind of label meets a plain ring placed before it, whose cells the index keeps in the
+// canvas bitmap: plain runs, runs with a box beside them, rows whose runs end out of order (the
+// row rules leave them so when a span widens the first run past the second), a box far out.
+TEST(PlacedIndex, EveryKindOfLabelMeetsTheRingsDrawnInTheBitmap) {
+    CPriorityAvoidContainer c;
+    SetCanvas(*c.DT(), 64, 64);
+    CAvoidObject* ring = c.NewObject();
+    AddSquare(ring, 10, 10, 8, 8);
+    ASSERT_TRUE(c.Add(ring, false));
+    for (int kind = 0; kind < 4; ++kind) {
+        CAvoidObject* label = c.NewObject();
+        label->AddRLE(20, 30, 32);
+        label->AddRLE(20, 34, 36);
+        for (int last = 33; kind == 2 && last <= 37; ++last)
+            label->AddRLE(20, 31, last);  // 30-37 then 34-36
+        label->AddRLE(14, 12, 13);
+        label->RecordMaxRLE();
+        ASSERT_EQ(label->RowsRegular(), kind != 2);
+        if (kind == 1) label->AddBox(Box(40, 40, 44, 44));
+        if (kind == 3) label->AddBox(Box(INT_MAX - 4, 0, INT_MAX, 4));
+        label->OffsetCollection().emplace_back(0, 30);
+        c.Add(label, false);
+        EXPECT_EQ(label->Offset(), Location(0, 30)) << kind;
+        c.Recycle(label);
+    }
+}

@@ -265,6 +265,14 @@ TEST(Rasterizer, HitTestIncludesTheCellRightOfARun) {
     const bool counterclockwise = ras.hit_test(0, 0);
     Polygon(ras.get_outline(), {{0, 0}, {20, 0}, {0, 20}});
     EXPECT_EQ(std::make_pair(counterclockwise, ras.hit_test(0, 0)), std::make_pair(false, true));
+    EXPECT_EQ(Sweep(ras), (Spans{{0, 0, 0}}));  // an outline of one cell is swept too
+    // Coverage of (cover << 9) - area: wrapped every 512 under even-odd, clipped to 255.
+    const std::tuple<int, int, unsigned> kCoverage[] = {
+        {1, 300, 212}, {1, -300, 212}, {1, 256, 255}, {1, 512, 0}, {1, 1023, 1}, {0, 300, 255}};
+    for (const auto& [rule, value, coverage] : kCoverage) {
+        ras.fill_rule(rule);
+        EXPECT_EQ(ras.calculate_coverage(value * 512), coverage) << rule << " " << value;
+    }
 }
 
 TEST(Rasterizer, DefaultAndPowerLawGammaTables) {
