@@ -368,6 +368,7 @@ TEST(Rasterizer, FarOutOfRangePolygonsStaySafe) {
         {{INT32_MIN, 0}, {INT32_MAX, 0}, {INT32_MAX, 2 * kCell}, {INT32_MIN, 2 * kCell}},
         {{-40000 * kCell, 5 * kCell}, {40000 * kCell, 6 * kCell}, {0, 9 * kCell}},
         {{0, 0}, {1000000 * kCell, 0}, {1000000 * kCell, kCell}},
+        {{0, 0}, {1 << 23, 3 * kCell}, {0, 3 * kCell}},  // the narrowest edge that is cut
     };
     for (size_t k = 0; k < polygons.size(); ++k) {
         agg::rasterizer ras;
