@@ -69,6 +69,14 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
     c.obj.AddRing(line + 2, 6);
     for (const auto& [x, y] : CellsOf(c.obj))
         EXPECT_TRUE(x >= 0 && x < 100 && y >= 0 && y < 60) << x << "," << y;
+    // A ring is skipped by the canvas at its origin, then clipped to rows from 0: on a canvas at
+    // (0, 50) the ring above row 50 adds nothing, the one below it adds its cells.
+    Canvas shifted(100, 60);
+    shifted.dt.originY = 50;
+    int above[] = {10, 10, 20, 10, 20, 20, 10, 20}, below[] = {10, 55, 20, 55, 20, 58, 10, 58};
+    shifted.obj.AddRing(above, 8);
+    shifted.obj.AddRing(below, 8);
+    EXPECT_EQ(CellsOf(shifted.obj), RectCells(10, 55, 20, 58));
 }
 
 TEST(AddLine, NaNAndInfiniteMapCoordinatesActAsTheMostNegativeCell) {

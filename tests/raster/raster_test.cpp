@@ -377,6 +377,11 @@ TEST(Rasterizer, FarOutOfRangePolygonsStaySafe) {
             ASSERT_TRUE(row >= 0 && row < 5000 && first >= 0 && first <= last && last < 5000)
                 << "polygon " << k << " row " << row << ": " << first << ".." << last;
         }
+        // Cut or not, the edges of a closed polygon climb as far as they descend.
+        long long cover = 0;
+        for (const agg::cell& c : CheckedCells(ras.get_outline()))
+            cover += c.cover;
+        EXPECT_EQ(cover, 0) << "polygon " << k;
     }
 }
 
@@ -396,6 +401,11 @@ TEST(Scanline, OutsideCellsAreDroppedAndWidthIsCapped) {
     EXPECT_LE(sl.capacity(), 65538u);
     sl.add_span(1000000, 0, 1, 1);
     EXPECT_EQ(sl.span_count(), 0u);
+    // The 16-bit cell range in one row: its last cell lies 65,535 columns right of its first.
+    agg::rasterizer wide;
+    Rect(wide.get_outline(), -32768 * kCell, 0, -32758 * kCell, kCell);
+    Rect(wide.get_outline(), 32762 * kCell, 0, 32767 * kCell + 128, kCell);
+    EXPECT_EQ(Sweep(wide, 40000, 1), (Spans{{0, 32762, 32767}}));
 }
 
 }  // namespace
