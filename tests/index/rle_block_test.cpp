@@ -219,6 +219,8 @@ TEST(RleBlock, LevelLoadRefusesBadLengthsCountsAndBands) {
         {BE({24, 0, 5, 0, 0x7FFFFFFF, 0}), 0, 5, 0, 1, 0, false},   // rows beyond the bytes
         {BE({36, 0, 0, 7, 2, 1, 3, 3, 0x10000000}), 0, 0, 7, 1, 1, false},  // runs beyond the bytes
         {Cat({BE({21, 0, 1, 4, 0}), {0}}), 21, 1, 4, 0, 0, false},          // no rows: all consumed
+        // Two runs in the 14 bytes left: refused before any is read.
+        {Cat({BE({38, 0, 1, 4, 1, 2, 5, 7, 9}), {0, 0}}), 0, 1, 4, 0, 0, false},
         // A band reaching past the largest row is refused; one ending on it is the largest there
         // is.
         {kWrappingBand, 0, 9, 9, 1, 1, false},

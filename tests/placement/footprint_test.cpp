@@ -67,6 +67,7 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
     EXPECT_EQ(c.obj.RLEMaxExtent(), Box(0, 4, 9, 5));
     c.obj.AddLine(line + 4, 4, 3);
     c.obj.AddRing(line + 2, 6);
+    c.obj.AddLine(static_cast<int*>(nullptr), 4, 1);  // no points: nothing drawn
     for (const auto& [x, y] : CellsOf(c.obj))
         EXPECT_TRUE(x >= 0 && x < 100 && y >= 0 && y < 60) << x << "," << y;
     // A ring is skipped by the canvas at its origin, then clipped to rows from 0: on a canvas at
