@@ -226,7 +226,7 @@ TEST(RleBlock, LevelLoadRefusesBadLengthsCountsAndBands) {
         {kWrappingBand, 0, 9, 9, 1, 1, false},
         {BE({36, 0, 3, 0x7FFFFFFE, 2, 0, 1, 5, 7}), 36, 3, 0x7FFFFFFE, 2, 3, false},
         {BE({24, 0, 0, 0, -1, 0}), 0, 0, 0, 0, 0, true},
-        {BE({24, 0, 0, 0, 1, -2}), 0, 0, 0, 0, 0, true},
+        {BE({24, 0, 0, 0, 1, -1}), 0, 0, 0, 0, 0, true},
     };
     for (const Refusal& c : cases) {
         SCOPED_TRACE("case " + std::to_string(&c - cases));
