@@ -189,6 +189,7 @@ TEST(RleRowRuns, RandomEditsMatchStdVector) {
         ASSERT_GE(runs.capacity(), runs.size());
     }
     EXPECT_THROW(runs.reserve(SIZE_MAX), std::length_error);
+    EXPECT_EQ(RunsOf(RLERowRuns{RLE(1, 2), RLE(5, 6)}), (Runs{{1, 2}, {5, 6}}));
 }
 
 TEST(RleGrid, EmptyGridGrowsBandBothWaysOnlyWhenAsked) {

@@ -39,6 +39,7 @@ TEST(Box, EmptyBoxCentreIntersectAndUnion) {
 TEST(AvoidObject, ResetOffsetsAndExtents) {
     CAvoidObject obj;
     EXPECT_EQ(obj.Offset(), Location(0, 0));  // never reset: no offsets at all
+    EXPECT_FALSE(obj.HasRuns());              // nor cells
     obj.StringID("label-7");
     obj.ID(42);
     obj.PlacedState(1);
