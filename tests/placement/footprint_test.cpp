@@ -70,13 +70,15 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
     c.obj.AddLine(static_cast<int*>(nullptr), 4, 1);  // no points: nothing drawn
     for (const auto& [x, y] : CellsOf(c.obj))
         EXPECT_TRUE(x >= 0 && x < 100 && y >= 0 && y < 60) << x << "," << y;
-    // A ring is skipped by the canvas at its origin, then clipped to rows from 0: on a canvas at
-    // (0, 50) the ring above row 50 adds nothing, the one below it adds its cells.
+    // A ring is skipped by the canvas at its origin, then clipped to rows and columns from 0: on
+    // a canvas at (-40, 50) only the ring below row 50 and left of column 60 adds its cells.
     Canvas shifted(100, 60);
+    shifted.dt.originX = -40;
     shifted.dt.originY = 50;
     int above[] = {10, 10, 20, 10, 20, 20, 10, 20}, below[] = {10, 55, 20, 55, 20, 58, 10, 58};
-    shifted.obj.AddRing(above, 8);
-    shifted.obj.AddRing(below, 8);
+    int right[] = {70, 55, 80, 55, 80, 58, 70, 58};
+    for (int* ring : {above, below, right})
+        shifted.obj.AddRing(ring, 8);
     EXPECT_EQ(CellsOf(shifted.obj), RectCells(10, 55, 20, 58));
 }
 
