@@ -68,6 +68,7 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
     c.obj.AddLine(line + 4, 4, 3);
     c.obj.AddRing(line + 2, 6);
     c.obj.AddLine(static_cast<int*>(nullptr), 4, 1);  // no points: nothing drawn
+    c.obj.AddLine(static_cast<double*>(nullptr), 4, 1);
     for (const auto& [x, y] : CellsOf(c.obj))
         EXPECT_TRUE(x >= 0 && x < 100 && y >= 0 && y < 60) << x << "," << y;
     // A ring is skipped by the canvas at its origin, then clipped to rows and columns from 0: on
