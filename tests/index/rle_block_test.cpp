@@ -157,7 +157,7 @@ TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkippedAndShortCapacitiesWriteNothing) 
     Bytes block(8 + 36);
     EXPECT_EQ(index.Save(block.data(), 8 + 36), 8 + 36);
     EXPECT_EQ(block, Cat({kHeader, kSmallLevel}));
-    // No room for the header or a level: nothing written, an empty level included.
+    // No room for the header or a level, or no buffer: nothing written, an empty level included.
     std::unique_ptr<CRLEIndexCreate> level(SmallLevel());
     CRLEIndex withMeta;
     withMeta.Metadata(block.data(), 3);
@@ -168,6 +168,7 @@ TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkippedAndShortCapacitiesWriteNothing) 
     }
     EXPECT_EQ(withMeta.Save(block.data(), 10), 0);
     EXPECT_EQ(level->Save(block.data(), 35), 0);
+    EXPECT_EQ(level->Save(nullptr, 64), 0);
     EXPECT_EQ(index.LevelAt(0)->Save(block.data(), 64), 0);
     EXPECT_EQ(block, untouched);
 }
@@ -218,12 +219,14 @@ TEST(RleBlock, LevelLoadRefusesBadLengthsCountsAndBands) {
         {BE({24, 0, 5, 0, 0x7FFFFFFF, 0}), 0, 5, 0, 1, 0, false},   // rows beyond the bytes
         {BE({36, 0, 0, 7, 2, 1, 3, 3, 0x10000000}), 0, 0, 7, 1, 1, false},  // runs beyond the bytes
         {Cat({BE({21, 0, 1, 4, 0}), {0}}), 21, 1, 4, 0, 0, false},          // no rows: all consumed
+        // Two runs in the 14 bytes left: refused before any is read.
+        {Cat({BE({38, 0, 1, 4, 1, 2, 5, 7, 9}), {0, 0}}), 0, 1, 4, 0, 0, false},
         // A band reaching past the largest row is refused; one ending on it is the largest there
         // is.
         {kWrappingBand, 0, 9, 9, 1, 1, false},
         {BE({36, 0, 3, 0x7FFFFFFE, 2, 0, 1, 5, 7}), 36, 3, 0x7FFFFFFE, 2, 3, false},
         {BE({24, 0, 0, 0, -1, 0}), 0, 0, 0, 0, 0, true},
-        {BE({24, 0, 0, 0, 1, -2}), 0, 0, 0, 0, 0, true},
+        {BE({24, 0, 0, 0, 1, -1}), 0, 0, 0, 0, 0, true},
     };
     for (const Refusal& c : cases) {
         SCOPED_TRACE("case " + std::to_string(&c - cases));

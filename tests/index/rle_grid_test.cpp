@@ -65,6 +65,7 @@ const RowCase kRowCases[] = {
     {{{INT_MAX - 1, INT_MAX}}, false, INT_MAX, INT_MAX, {{INT_MAX - 1, INT_MAX - 1}}},
     {{{INT_MAX, INT_MAX}}, false, INT_MAX, INT_MAX, {}},
     {{{INT_MIN, INT_MIN}}, false, INT_MIN, INT_MIN, {}},
+    {{{0, 10}}, false, 11, 11, {{0, 10}}},  // a cell next to a run: nothing to free, still true
     // A span erase cuts at both ends, compacts away the runs ending inside, then drops exactly
     // one run past the kept ones: k matched runs leave k - 1 copies of the tail.
     {{{0, 2}, {8, 10}}, false, 4, 6, {{0, 2}}},
@@ -188,6 +189,7 @@ TEST(RleRowRuns, RandomEditsMatchStdVector) {
         ASSERT_GE(runs.capacity(), runs.size());
     }
     EXPECT_THROW(runs.reserve(SIZE_MAX), std::length_error);
+    EXPECT_EQ(RunsOf(RLERowRuns{RLE(1, 2), RLE(5, 6)}), (Runs{{1, 2}, {5, 6}}));
 }
 
 TEST(RleGrid, EmptyGridGrowsBandBothWaysOnlyWhenAsked) {
@@ -258,6 +260,7 @@ TEST(RleGrid, RandomCellsMatchSetOfCellsAndCursorYieldsThemInOrder) {
     EXPECT_EQ(Drain(cursor), Cells(model.begin(), model.end()));
     cursor.Reset();
     EXPECT_EQ(Drain(cursor), Cells(model.begin(), model.end()));
+    detached.Reset();
     EXPECT_TRUE(Drain(detached).empty());
 }
 

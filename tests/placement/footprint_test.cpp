@@ -67,8 +67,20 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
     EXPECT_EQ(c.obj.RLEMaxExtent(), Box(0, 4, 9, 5));
     c.obj.AddLine(line + 4, 4, 3);
     c.obj.AddRing(line + 2, 6);
+    c.obj.AddLine(static_cast<int*>(nullptr), 4, 1);  // no points: nothing drawn
+    c.obj.AddLine(static_cast<double*>(nullptr), 4, 1);
     for (const auto& [x, y] : CellsOf(c.obj))
         EXPECT_TRUE(x >= 0 && x < 100 && y >= 0 && y < 60) << x << "," << y;
+    // A ring is skipped by the canvas at its origin, then clipped to rows and columns from 0: on
+    // a canvas at (-40, 50) only the ring below row 50 and left of column 60 adds its cells.
+    Canvas shifted(100, 60);
+    shifted.dt.originX = -40;
+    shifted.dt.originY = 50;
+    int above[] = {10, 10, 20, 10, 20, 20, 10, 20}, below[] = {10, 55, 20, 55, 20, 58, 10, 58};
+    int right[] = {70, 55, 80, 55, 80, 58, 70, 58};
+    for (int* ring : {above, below, right})
+        shifted.obj.AddRing(ring, 8);
+    EXPECT_EQ(CellsOf(shifted.obj), RectCells(10, 55, 20, 58));
 }
 
 TEST(AddLine, NaNAndInfiniteMapCoordinatesActAsTheMostNegativeCell) {

@@ -80,4 +80,9 @@ TEST(HostileFootprint, RingOverFullRowsStillExhaustsTheOutline) {
     pair.Draw({20, 100, 180, 100}, 3);
     EXPECT_EQ(RunsText(pair.fast), RunsText(pair.full));
     EXPECT_EQ(testing_support::CellsOf(pair.full), testing_support::RectCells(0, 0, 200, 10));
+    // On a canvas wider than the clip window, strokes past its right edge, before and over rows
+    // full across it, in one call.
+    Pair wide(40000, 40);
+    wide.Draw({32020, 10, 32100, 12, 40100, 10, -100, 10, 32100, 11}, 3);
+    EXPECT_EQ(RunsText(wide.fast), RunsText(wide.full));
 }

@@ -33,11 +33,13 @@ TEST(Box, EmptyBoxCentreIntersectAndUnion) {
     EXPECT_EQ(std::make_pair(b, empty), std::make_pair(Box(1, 1, 20, 20), Box(1, 1, 20, 20)));
     EXPECT_EQ(Box(11, 22, 13, 24).RevOffset(Location(10, 20)), Box(1, 2, 3, 4));
     EXPECT_EQ(Location(3, 4).RevOffset(Location(1, 1)).Offset(2, -5), Location(4, -2));
+    EXPECT_NE(Location(4, -1), Location(4, -2));
 }
 
 TEST(AvoidObject, ResetOffsetsAndExtents) {
     CAvoidObject obj;
     EXPECT_EQ(obj.Offset(), Location(0, 0));  // never reset: no offsets at all
+    EXPECT_FALSE(obj.HasRuns());              // nor cells
     obj.StringID("label-7");
     obj.ID(42);
     obj.PlacedState(1);
@@ -60,6 +62,7 @@ TEST(AvoidObject, ResetOffsetsAndExtents) {
     // Clearing keeps the iterator's slot: past the end it reads (0, 0), refilled it reads again.
     obj.ClearOffset();
     EXPECT_EQ(obj.Offset(), Location(0, 0));
+    EXPECT_EQ(obj.OffsetCollection(), std::vector<Location>(1));
     obj.OffsetCollection().emplace_back(9, 9);
     EXPECT_EQ(obj.Offset(), Location(9, 9));
 }

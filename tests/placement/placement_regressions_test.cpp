@@ -70,16 +70,19 @@ TEST(CellRectangle, RingsAndAxisStrokesGiveTheRunsOfTheSweep) {
         const int x0 = uniform(-20, 140), x1 = uniform(-20, 140);
         const int y0 = uniform(-20, 110), y1 = uniform(-20, 110);
         const int mx = x0 + (x1 - x0) / 2, my = y0 + (y1 - y0) / 2;
-        const int kind = uniform(0, 5);
+        const int kind = uniform(0, 6);
         int slow[] = {x0, y0, mx, y0, x1, y0, x1, y1, x0, y1, x0, my};
-        // Shapes that only look like rectangles: a pentagon closing on the top side, and a
-        // quadrilateral whose second corner takes its row from the first one's column. Their
-        // models carry one more corner on a side.
+        // Shapes that only look like rectangles: a pentagon closing on the top side, and
+        // quadrilaterals whose second corner takes its row from the first one's column, or whose
+        // third takes its column from the first one's row. Their models carry one more corner.
         int penta[] = {x0, y0, x1, y0, x1, y1, x0, y1, mx, y0};
         int penta6[] = {x0, y0, x1, y0, x1, my, x1, y1, x0, y1, mx, y0};
         int quad[] = {x0, y0, x1, x0, x1, y1, x0, y1};
         int quad5[] = {x0, y0, x1, x0, x1, y1, x0, y1, x0, my};
-        model->AddRing(kind == 4 ? penta6 : kind == 5 ? quad5 : slow, kind == 5 ? 10 : 12);
+        int down4[] = {x0, y0, x0, y1, y0, y1, x1, y0};
+        int down5[] = {x0, y0, x0, my, x0, y1, y0, y1, x1, y0};
+        int* const models[] = {slow, slow, slow, slow, penta6, quad5, down5};
+        model->AddRing(models[kind], kind >= 5 ? 10 : 12);
         int ring[] = {x0, y0, x1, y0, x1, y1, x0, y1, x0, y0};
         int back[] = {x0, y0, x0, y1, x1, y1, x1, y0};
         int across[] = {x0, my, x1, my}, down[] = {mx, y0, mx, y1};
@@ -87,7 +90,8 @@ TEST(CellRectangle, RingsAndAxisStrokesGiveTheRunsOfTheSweep) {
         const bool inside = std::max(x0, x1) >= 0 && std::min(x0, x1) <= w &&
                             std::max(y0, y1) >= 0 && std::min(y0, y1) <= h;
         if (kind >= 4) {
-            fast->AddRing(kind == 4 ? penta : quad, kind == 4 ? 10 : 8);
+            int* const shapes[] = {penta, quad, down4};
+            fast->AddRing(shapes[kind - 4], kind == 4 ? 10 : 8);
         } else if (kind == 2 && inside && my >= 0 && my <= h && (y1 - y0) % 2 == 0 && y1 != y0) {
             fast->AddLine(across, 4, std::abs(y1 - y0) / 2);
         } else if (kind == 3 && inside && mx >= 0 && mx <= w && (x1 - x0) % 2 == 0 && x1 != x0) {
@@ -233,3 +237,23 @@ TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
 }
 
 }  // namespace
+
+// A label whose row holds runs ending out of order (the row rules leave them so when a span
+// widens the first run past the second) meets the plain rings kept in the canvas bitmap.
+TEST(PlacedIndex, IrregularRowsMeetTheRingsDrawnInTheBitmap) {
+    CPriorityAvoidContainer c;
+    SetCanvas(*c.DT(), 64, 64);
+    CAvoidObject* ring = c.NewObject();
+    AddSquare(ring, 10, 10, 8, 8);
+    ASSERT_TRUE(c.Add(ring, false));
+    CAvoidObject* label = c.NewObject();
+    label->AddRLE(14, 10, 12);
+    label->AddRLE(14, 14, 16);
+    for (int last = 13; last <= 17; ++last)
+        label->AddRLE(14, 11, last);  // runs 10-17, then 14-16
+    label->RecordMaxRLE();
+    ASSERT_FALSE(label->RowsRegular());
+    label->OffsetCollection().emplace_back(0, 30);
+    c.Add(label, false);
+    EXPECT_EQ(label->Offset(), Location(0, 30));
+}

@@ -174,7 +174,7 @@ TEST(Outline, CellsMatchTheRoundedEdgeModel) {
 TEST(RenderingBuffer, NegativeStrideStartsAtTheLastRowAndSmallerAttachKeepsRows) {
     unsigned char a[400], b[300];
     agg::rendering_buffer one(a, 10, 1, 10);  // one row needs a row table too
-    EXPECT_EQ(one.row(0), a);
+    EXPECT_EQ(std::make_tuple(one.row(0), one.width(), one.height()), std::make_tuple(a, 10u, 1u));
     agg::rendering_buffer rb(a, 10, 4, 100);
     rb.attach(b, 100, 3, -100);
     EXPECT_EQ((std::vector<unsigned char*>{rb.row(0), rb.row(1), rb.row(2), rb.row(3)}),
@@ -265,6 +265,14 @@ TEST(Rasterizer, HitTestIncludesTheCellRightOfARun) {
     const bool counterclockwise = ras.hit_test(0, 0);
     Polygon(ras.get_outline(), {{0, 0}, {20, 0}, {0, 20}});
     EXPECT_EQ(std::make_pair(counterclockwise, ras.hit_test(0, 0)), std::make_pair(false, true));
+    EXPECT_EQ(Sweep(ras), (Spans{{0, 0, 0}}));  // an outline of one cell is swept too
+    // Coverage of (cover << 9) - area: wrapped every 512 under even-odd, clipped to 255.
+    const std::tuple<int, int, unsigned> kCoverage[] = {
+        {1, 300, 212}, {1, -300, 212}, {1, 256, 255}, {1, 512, 0}, {1, 1023, 1}, {0, 300, 255}};
+    for (const auto& [rule, value, coverage] : kCoverage) {
+        ras.fill_rule(rule);
+        EXPECT_EQ(ras.calculate_coverage(value * 512), coverage) << rule << " " << value;
+    }
 }
 
 TEST(Rasterizer, DefaultAndPowerLawGammaTables) {
@@ -360,6 +368,7 @@ TEST(Rasterizer, FarOutOfRangePolygonsStaySafe) {
         {{INT32_MIN, 0}, {INT32_MAX, 0}, {INT32_MAX, 2 * kCell}, {INT32_MIN, 2 * kCell}},
         {{-40000 * kCell, 5 * kCell}, {40000 * kCell, 6 * kCell}, {0, 9 * kCell}},
         {{0, 0}, {1000000 * kCell, 0}, {1000000 * kCell, kCell}},
+        {{0, 0}, {1 << 23, 3 * kCell}, {0, 3 * kCell}},  // the narrowest edge that is cut
     };
     for (size_t k = 0; k < polygons.size(); ++k) {
         agg::rasterizer ras;
@@ -368,6 +377,11 @@ TEST(Rasterizer, FarOutOfRangePolygonsStaySafe) {
             ASSERT_TRUE(row >= 0 && row < 5000 && first >= 0 && first <= last && last < 5000)
                 << "polygon " << k << " row " << row << ": " << first << ".." << last;
         }
+        // Cut or not, the edges of a closed polygon climb as far as they descend.
+        long long cover = 0;
+        for (const agg::cell& c : CheckedCells(ras.get_outline()))
+            cover += c.cover;
+        EXPECT_EQ(cover, 0) << "polygon " << k;
     }
 }
 
@@ -387,6 +401,11 @@ TEST(Scanline, OutsideCellsAreDroppedAndWidthIsCapped) {
     EXPECT_LE(sl.capacity(), 65538u);
     sl.add_span(1000000, 0, 1, 1);
     EXPECT_EQ(sl.span_count(), 0u);
+    // The 16-bit cell range in one row: its last cell lies 65,535 columns right of its first.
+    agg::rasterizer wide;
+    Rect(wide.get_outline(), -32768 * kCell, 0, -32758 * kCell, kCell);
+    Rect(wide.get_outline(), 32762 * kCell, 0, 32767 * kCell + 128, kCell);
+    EXPECT_EQ(Sweep(wide, 40000, 1), (Spans{{0, 32762, 32767}}));
 }
 
 }  // namespace
