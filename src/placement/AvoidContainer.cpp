@@ -2,6 +2,7 @@
 #include "placement/AvoidContainer.h"
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 CAvoidContainer::CAvoidContainer() = default;
@@ -14,9 +15,18 @@ void CAvoidContainer::Reset() {
             m_pool.push(obj);
         m_spareNodes.splice(m_spareNodes.end(), *list);
     }
+    m_placedNodes.clear();
+    m_unplacedNodes.clear();
 }
 
-void CAvoidContainer::Append(std::list<CAvoidObject*>& list, CAvoidObject* obj) {
+size_t CAvoidContainer::PlacedNodes(CAvoidObject* obj) const {
+    const auto it = m_placedNodes.find(obj);
+    return it == m_placedNodes.end() ? 0 : it->second;
+}
+
+void CAvoidContainer::Append(std::list<CAvoidObject*>& list, NodeCounts& counts,
+                             CAvoidObject* obj) {
+    ++counts[obj];
     if (m_spareNodes.empty()) {
         list.push_back(obj);
         return;
@@ -41,21 +51,33 @@ CAvoidObject* CAvoidContainer::NewObject() {
 void CAvoidContainer::Recycle(CAvoidObject* obj) {
     if (obj == nullptr) return;
     std::list<CAvoidObject*>* list;
+    NodeCounts* counts;
     switch (obj->PlacedState()) {
         case CAvoidObject::kNotAdded:
             m_pool.push(obj);
             return;
         case CAvoidObject::kPlaced:
             list = &m_placed;
+            counts = &m_placedNodes;
             break;
         case CAvoidObject::kNotPlaced:
             list = &m_unplaced;
+            counts = &m_unplacedNodes;
             break;
         default:
             return;
     }
-    const auto it = std::find(list->begin(), list->end(), obj);
-    if (it == list->end()) return;
+    const auto count = counts->find(obj);
+    if (count == counts->end()) return;
+    std::list<CAvoidObject*>::iterator it;
+    if (count->second == 1) {
+        // The only node: most often the last one.
+        it = std::prev(std::find(list->rbegin(), list->rend(), obj).base());
+        counts->erase(count);
+    } else {
+        it = std::find(list->begin(), list->end(), obj);
+        --count->second;
+    }
     m_spareNodes.splice(m_spareNodes.end(), *list, it);
     m_pool.push(obj);
     if (list == &m_placed) Released(obj);
@@ -101,7 +123,7 @@ bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
         }
     }
     obj->OffsetIterator(offsets.begin());
-    Append(m_unplaced, obj);
+    AppendUnplaced(obj);
     return true;
 }
 
@@ -110,25 +132,28 @@ void CPriorityAvoidContainer::Reset() {
     m_index.Clear();
 }
 
-void CPriorityAvoidContainer::Released(CAvoidObject*) { m_index.MarkStale(); }
+void CPriorityAvoidContainer::Released(CAvoidObject* obj) {
+    // Still placed through another node: its entry must stay, and only a refiling tells which.
+    if (PlacedNodes(obj) > 0 || !m_index.RemoveLast(obj)) m_index.MarkStale();
+}
 
 void CPriorityAvoidContainer::Place(CAvoidObject* obj) {
     obj->PlacedState(CAvoidObject::kPlaced);
-    Append(m_placed, obj);
+    AppendPlaced(obj);
     m_index.Insert(obj);
 }
 
 void CPriorityAvoidContainer::SyncIndex() {
     if (!m_index.Stale()) return;
     m_index.Clear();
-    for (CAvoidObject* placed : m_placed)
+    for (CAvoidObject* placed : PlacedObjects())
         m_index.Insert(placed);
 }
 
 void CPriorityAvoidContainer::IntersectBox(CAvoidObject* obj,
                                            std::vector<CAvoidObject*>& candidates) {
     const Box extent = obj->MaxExtent();
-    for (CAvoidObject* placed : m_placed) {
+    for (CAvoidObject* placed : PlacedObjects()) {
         if (extent.IsIntersect(placed->MaxExtent())) candidates.push_back(placed);
     }
 }

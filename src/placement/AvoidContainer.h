@@ -17,6 +17,7 @@
 #include <deque>
 #include <list>
 #include <queue>
+#include <unordered_map>
 #include <vector>
 
 #include "placement/AvoidObject.h"
@@ -60,14 +61,26 @@ private:
 protected:
     // Called when Recycle takes obj off the placed list.
     virtual void Released(CAvoidObject* obj) { (void)obj; }
-    // Appends obj at the back of list (m_placed or m_unplaced) in a node that Reset or Recycle
-    // freed, so that a pass of a reused container allocates no list nodes.
-    void Append(std::list<CAvoidObject*>& list, CAvoidObject* obj);
+    // Appends obj at the back of the placed or the unplaced list in a node that Reset or Recycle
+    // freed, so that a pass of a reused container allocates no list nodes. The lists change only
+    // through these, Recycle and Reset.
+    void AppendPlaced(CAvoidObject* obj) { Append(m_placed, m_placedNodes, obj); }
+    void AppendUnplaced(CAvoidObject* obj) { Append(m_unplaced, m_unplacedNodes, obj); }
+    // How many nodes of the placed list hold obj.
+    size_t PlacedNodes(CAvoidObject* obj) const;
+
+private:
+    // Nodes that hold each object, in one list; objects held by none are left out.
+    using NodeCounts = std::unordered_map<CAvoidObject*, size_t>;
+
+    void Append(std::list<CAvoidObject*>& list, NodeCounts& counts, CAvoidObject* obj);
 
     std::list<CAvoidObject*> m_placed;
     std::list<CAvoidObject*> m_unplaced;
-
-private:
+    // Recycle finds an object held by one node by searching from the back, where the objects
+    // added last stand; only objects held by several nodes cost a search from the front.
+    NodeCounts m_placedNodes;
+    NodeCounts m_unplacedNodes;
     CDT m_dt;
     // Nodes taken off the lists, for Append; their values mean nothing.
     std::list<CAvoidObject*> m_spareNodes;
@@ -76,10 +89,12 @@ private:
 // Greedy placement in the order of adding: an earlier object always wins.
 //
 // Placed objects are filed in an index by where their footprints stand. The index never outlives
-// its view of an object: Reset empties it, and a placed object taken back by Recycle, or one whose
-// footprint or offset changes through its own operations, makes it stale, so that it is rebuilt
-// from the placed list before it is next asked. Answers are those of a scan over the placed list
-// in every case.
+// its view of an object: Reset empties it; a placed object taken back by Recycle is taken out of
+// it when it was the last filed and stands in the placed list once (a pass that recycles the dot
+// of a name that found no room); any other placed object taken back, or one whose footprint or
+// offset changes through its own operations, makes it stale, so that it is rebuilt from the
+// placed list before it is next asked. Answers are those of a scan over the placed list in every
+// case.
 class KXAC_API CPriorityAvoidContainer : public CAvoidContainer {
 public:
     ~CPriorityAvoidContainer() override;

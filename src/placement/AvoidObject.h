@@ -214,6 +214,10 @@ public:
     // The signal this object raises on every change of its footprint or offset, from now on
     // (null: none). An index that files the object sets it.
     void Watch(std::shared_ptr<kxac::ChangeSignal> signal) { m_watch = std::move(signal); }
+    // Stops raising signal, if this object raises it.
+    void Unwatch(const kxac::ChangeSignal& signal) {
+        if (m_watch.get() == &signal) m_watch.reset();
+    }
 
 private:
     bool HoldsRectangle() const { return m_rectangleTop <= m_rectangleBottom; }
