@@ -10,23 +10,29 @@ CAvoidContainer::CAvoidContainer() = default;
 CAvoidContainer::~CAvoidContainer() { CAvoidContainer::Destroy(); }
 
 void CAvoidContainer::Reset() {
-    for (std::list<CAvoidObject*>* list : {&m_placed, &m_unplaced}) {
-        for (CAvoidObject* obj : *list)
-            m_pool.push(obj);
-        m_spareNodes.splice(m_spareNodes.end(), *list);
+    for (CAvoidObject* obj : m_placed) {
+        --obj->m_placedNodes;
+        m_pool.push(obj);
     }
-    m_placedNodes.clear();
-    m_unplacedNodes.clear();
+    for (CAvoidObject* obj : m_unplaced) {
+        --obj->m_unplacedNodes;
+        m_pool.push(obj);
+    }
+    m_spareNodes.splice(m_spareNodes.end(), m_placed);
+    m_spareNodes.splice(m_spareNodes.end(), m_unplaced);
 }
 
-size_t CAvoidContainer::PlacedNodes(CAvoidObject* obj) const {
-    const auto it = m_placedNodes.find(obj);
-    return it == m_placedNodes.end() ? 0 : it->second;
+void CAvoidContainer::AppendPlaced(CAvoidObject* obj) {
+    ++obj->m_placedNodes;
+    Append(m_placed, obj);
 }
 
-void CAvoidContainer::Append(std::list<CAvoidObject*>& list, NodeCounts& counts,
-                             CAvoidObject* obj) {
-    ++counts[obj];
+void CAvoidContainer::AppendUnplaced(CAvoidObject* obj) {
+    ++obj->m_unplacedNodes;
+    Append(m_unplaced, obj);
+}
+
+void CAvoidContainer::Append(std::list<CAvoidObject*>& list, CAvoidObject* obj) {
     if (m_spareNodes.empty()) {
         list.push_back(obj);
         return;
@@ -51,33 +57,34 @@ CAvoidObject* CAvoidContainer::NewObject() {
 void CAvoidContainer::Recycle(CAvoidObject* obj) {
     if (obj == nullptr) return;
     std::list<CAvoidObject*>* list;
-    NodeCounts* counts;
+    uint32_t* nodes;
     switch (obj->PlacedState()) {
         case CAvoidObject::kNotAdded:
             m_pool.push(obj);
             return;
         case CAvoidObject::kPlaced:
             list = &m_placed;
-            counts = &m_placedNodes;
+            nodes = &obj->m_placedNodes;
             break;
         case CAvoidObject::kNotPlaced:
             list = &m_unplaced;
-            counts = &m_unplacedNodes;
+            nodes = &obj->m_unplacedNodes;
             break;
         default:
             return;
     }
-    const auto count = counts->find(obj);
-    if (count == counts->end()) return;
+    if (*nodes == 0) return;
     std::list<CAvoidObject*>::iterator it;
-    if (count->second == 1) {
-        // The only node: most often the last one.
-        it = std::prev(std::find(list->rbegin(), list->rend(), obj).base());
-        counts->erase(count);
+    if (*nodes == 1) {
+        // The only node, most often the last one; it may stand in another container.
+        const auto last = std::find(list->rbegin(), list->rend(), obj);
+        if (last == list->rend()) return;
+        it = std::prev(last.base());
     } else {
         it = std::find(list->begin(), list->end(), obj);
-        --count->second;
+        if (it == list->end()) return;
     }
+    --*nodes;
     m_spareNodes.splice(m_spareNodes.end(), *list, it);
     m_pool.push(obj);
     if (list == &m_placed) Released(obj);
@@ -134,7 +141,7 @@ void CPriorityAvoidContainer::Reset() {
 
 void CPriorityAvoidContainer::Released(CAvoidObject* obj) {
     // Still placed through another node: its entry must stay, and only a refiling tells which.
-    if (PlacedNodes(obj) > 0 || !m_index.RemoveLast(obj)) m_index.MarkStale();
+    if (StillPlaced(obj) || !m_index.RemoveLast(obj)) m_index.MarkStale();
 }
 
 void CPriorityAvoidContainer::Place(CAvoidObject* obj) {

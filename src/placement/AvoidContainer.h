@@ -17,7 +17,6 @@
 #include <deque>
 #include <list>
 #include <queue>
-#include <unordered_map>
 #include <vector>
 
 #include "placement/AvoidObject.h"
@@ -64,23 +63,19 @@ protected:
     // Appends obj at the back of the placed or the unplaced list in a node that Reset or Recycle
     // freed, so that a pass of a reused container allocates no list nodes. The lists change only
     // through these, Recycle and Reset.
-    void AppendPlaced(CAvoidObject* obj) { Append(m_placed, m_placedNodes, obj); }
-    void AppendUnplaced(CAvoidObject* obj) { Append(m_unplaced, m_unplacedNodes, obj); }
-    // How many nodes of the placed list hold obj.
-    size_t PlacedNodes(CAvoidObject* obj) const;
+    void AppendPlaced(CAvoidObject* obj);
+    void AppendUnplaced(CAvoidObject* obj);
+    // Whether some node of a container's placed list still holds obj.
+    static bool StillPlaced(const CAvoidObject* obj) { return obj->m_placedNodes > 0; }
 
 private:
-    // Nodes that hold each object, in one list; objects held by none are left out.
-    using NodeCounts = std::unordered_map<CAvoidObject*, size_t>;
+    void Append(std::list<CAvoidObject*>& list, CAvoidObject* obj);
 
-    void Append(std::list<CAvoidObject*>& list, NodeCounts& counts, CAvoidObject* obj);
-
+    // Each object counts the nodes that hold it: Recycle finds an object held by one node by
+    // searching from the back, where the objects added last stand, and only an object held by
+    // several nodes costs a search from the front.
     std::list<CAvoidObject*> m_placed;
     std::list<CAvoidObject*> m_unplaced;
-    // Recycle finds an object held by one node by searching from the back, where the objects
-    // added last stand; only objects held by several nodes cost a search from the front.
-    NodeCounts m_placedNodes;
-    NodeCounts m_unplacedNodes;
     CDT m_dt;
     // Nodes taken off the lists, for Append; their values mean nothing.
     std::list<CAvoidObject*> m_spareNodes;

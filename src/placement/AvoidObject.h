@@ -2,6 +2,7 @@
 // candidate offsets, its identity and its placed state, with the footprint collision tests.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
@@ -270,4 +271,10 @@ private:
     std::unique_ptr<std::string> m_stringId;
     int m_state = kNotAdded;
     std::shared_ptr<kxac::ChangeSignal> m_watch;
+
+    // The nodes of the containers' placed and unplaced lists that hold this object, kept by the
+    // containers: Recycle searches once from the back for an object that only one node holds.
+    friend class CAvoidContainer;
+    uint32_t m_placedNodes = 0;
+    uint32_t m_unplacedNodes = 0;
 };
