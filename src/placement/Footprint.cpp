@@ -54,20 +54,73 @@ long long FloorDiv(__int128 p, long long d) {
     return static_cast<long long>(q);
 }
 
+// The cover that the parts of edges beside a tile's columns carry into it, row by row: what
+// the cells left of the tile add to the running cover of the sweep, and what the cells right of
+// it take away again, so that the sweep ends its spans there. Each side becomes one cell a row,
+// beside the tile, with its cover and no area.
+class SideCover {
+public:
+    // Over the transform's scratch vectors.
+    SideCover(std::vector<long long>& partial, std::vector<long long>& full)
+        : m_partial(partial), m_full(full) {}
+    // For the rows first .. last.
+    void Reset(long long first, long long last) {
+        m_first = first;
+        const auto rows = static_cast<size_t>(last - first + 1);
+        m_partial.assign(2 * rows, 0);
+        m_full.assign(2 * (rows + 1), 0);
+    }
+    // The cover of an edge's part from subpixel row yFrom to yTo (both within the rows) on the
+    // given side: each row the part crosses takes its share, full rows through a difference.
+    void Add(bool right, long long yFrom, long long yTo) {
+        if (yFrom == yTo) return;
+        const long long sign = yTo > yFrom ? 1 : -1;
+        const long long lo = std::min(yFrom, yTo), hi = std::max(yFrom, yTo);
+        const long long r0 = lo >> agg::subpixel_shift, r1 = (hi - 1) >> agg::subpixel_shift;
+        const auto at = [&](long long row) {
+            return 2 * static_cast<size_t>(row - m_first) + right;
+        };
+        if (r0 == r1) {
+            m_partial[at(r0)] += sign * (hi - lo);
+            return;
+        }
+        m_partial[at(r0)] += sign * (((r0 + 1) << agg::subpixel_shift) - lo);
+        m_partial[at(r1)] += sign * (hi - (r1 << agg::subpixel_shift));
+        if (r0 + 1 <= r1 - 1) {
+            m_full[at(r0 + 1)] += sign * agg::subpixel_scale;
+            m_full[at(r1)] -= sign * agg::subpixel_scale;
+        }
+    }
+    // Calls cell(right, row, cover) for each row and side with a cover.
+    template <class Cell>
+    void ForEach(Cell&& cell) const {
+        long long full[2] = {0, 0};
+        for (size_t i = 0; i + 1 < m_partial.size(); i += 2) {
+            for (int side = 0; side < 2; ++side) {
+                full[side] += m_full[i + side];
+                const long long cover = full[side] + m_partial[i + side];
+                if (cover != 0) cell(side == 1, m_first + static_cast<long long>(i / 2), cover);
+            }
+        }
+    }
+
+private:
+    long long m_first = 0;
+    std::vector<long long>& m_partial;
+    std::vector<long long>& m_full;
+};
+
 // The pieces of one row's part of an edge, from (xa, ya) to (xb, yb), that give its cells in
 // the columns from subpixel x0 up to x1 (cell boundaries): the part inside as it is when it lies
 // wholly inside, else cut at every column boundary it crosses there, where the row's own walk
-// crosses them. The part left of x0 becomes a vertical piece in the column left of x0, which
-// carries its cover and nothing else into the columns right of it; the part right of x1 one in
-// the column right of x1, where the sweep then ends the row's spans.
+// crosses them. The parts left of x0 and right of x1 go to the side cover.
 template <class Piece>
 void RowInWindow(long long xa, long long ya, long long xb, long long yb, long long x0, long long x1,
-                 Piece&& piece) {
+                 Piece&& piece, SideCover& side) {
     const long long lo = std::min(xa, xb), hi = std::max(xa, xb);
-    const long long carry = x0 - agg::subpixel_scale;
     if (lo >= x0 && hi <= x1) return piece(xa, ya, xb, yb);
-    if (hi <= x0) return piece(carry, ya, carry, yb);
-    if (lo >= x1) return piece(x1, ya, x1, yb);
+    if (hi <= x0) return side.Add(false, ya, yb);
+    if (lo >= x1) return side.Add(true, ya, yb);
     const auto yAt = [&](long long x) {
         if (x == xa) return ya;
         if (x == xb) return yb;
@@ -76,7 +129,8 @@ void RowInWindow(long long xa, long long ya, long long xb, long long yb, long lo
     const long long step = xa < xb ? agg::subpixel_scale : -agg::subpixel_scale;
     const long long from = xa < xb ? std::max(xa, x0) : std::min(xa, x1);
     const long long to = xa < xb ? std::min(xb, x1) : std::max(xb, x0);
-    if (xa < x0) piece(carry, ya, carry, yAt(x0));
+    if (xa < x0) side.Add(false, ya, yAt(x0));
+    if (xa > x1) side.Add(true, ya, yAt(x1));
     long long px = from, py = yAt(from);
     // The first column boundary past `from` in the direction of the edge.
     long long next = xa < xb ? ((from >> agg::subpixel_shift) + 1) << agg::subpixel_shift
@@ -88,24 +142,25 @@ void RowInWindow(long long xa, long long ya, long long xb, long long yb, long lo
         py = ny;
     }
     if (px != to) piece(px, py, to, yAt(to));
-    if (xb < x0) piece(carry, yAt(x0), carry, yb);
-    if (xa > x1) piece(x1, ya, x1, yAt(x1));
-    if (xb > x1) piece(x1, yAt(x1), x1, yb);
+    if (xb < x0) side.Add(false, yAt(x0), yb);
+    if (xb > x1) side.Add(true, yAt(x1), yb);
 }
 
 // The pieces of the edge (x1, y1)-(x2, y2), in subpixels of the canvas, that give its cells in
 // the window's columns and rows: the edge itself when it lies inside, else the part of each row of
-// the window, cut where the edge's own walk crosses the row boundaries, then by RowInWindow.
+// the window, cut where the edge's own walk crosses the row boundaries, then by RowInWindow. The
+// rows where the edge lies wholly beside the window, found by bisection, go to the side cover at
+// once.
 template <class Piece>
 void EdgeInWindow(long long x1, long long y1, long long x2, long long y2, const agg::emit_window& w,
-                  Piece&& piece) {
+                  Piece&& piece, SideCover& side) {
     // An edge within a row adds no cover or area.
     if (y1 == y2) return;
     const long long ey1 = y1 >> agg::subpixel_shift, ey2 = y2 >> agg::subpixel_shift;
     const long long x0 = w.x0 * agg::subpixel_scale;
     const long long xEnd = (w.x1 + 1) * agg::subpixel_scale;
-    const long long rowLo = std::max<long long>(std::min(ey1, ey2), w.y0);
-    const long long rowHi = std::min<long long>(std::max(ey1, ey2), w.y1);
+    long long rowLo = std::max<long long>(std::min(ey1, ey2), w.y0);
+    long long rowHi = std::min<long long>(std::max(ey1, ey2), w.y1);
     if (rowLo > rowHi) return;
     if (std::min(x1, x2) >= x0 && std::max(x1, x2) <= xEnd && std::min(ey1, ey2) >= w.y0 &&
         std::max(ey1, ey2) <= w.y1 + 1) {
@@ -119,12 +174,73 @@ void EdgeInWindow(long long x1, long long y1, long long x2, long long y2, const 
         if (y == y2) return x2;
         return x1 + FloorDiv(static_cast<__int128>(down ? y - y1 : y1 - y) * (x2 - x1), dy);
     };
-    for (long long row = rowLo; row <= rowHi; ++row) {
-        const long long top = row * agg::subpixel_scale;
-        const long long bottom = top + agg::subpixel_scale;
-        const long long ya = down ? std::max(y1, top) : std::min(y1, bottom);
-        const long long yb = down ? std::min(y2, bottom) : std::max(y2, top);
-        if (ya != yb) RowInWindow(xAt(ya), ya, xAt(yb), yb, x0, xEnd, piece);
+    // The edge's part in a row, from ya to yb in the edge's direction.
+    const auto part = [&](long long row, long long& ya, long long& yb) {
+        const long long top = row * agg::subpixel_scale, bottom = top + agg::subpixel_scale;
+        ya = down ? std::max(y1, top) : std::min(y1, bottom);
+        yb = down ? std::min(y2, bottom) : std::max(y2, top);
+    };
+    long long ya = 0, yb = 0;
+    // Rows without a part (an end on a row boundary) only at the ends.
+    for (part(rowLo, ya, yb); ya == yb && rowLo < rowHi; part(++rowLo, ya, yb)) {
+    }
+    for (part(rowHi, ya, yb); ya == yb && rowLo < rowHi; part(--rowHi, ya, yb)) {
+    }
+    if (ya == yb) return;
+    // Rows lie wholly left of the window, or right of it, in a run at one end of the rows: as
+    // the row grows, the edge's parts move right when it runs down to the right or up to the
+    // left, else left.
+    const bool rightward = (x2 > x1) == down;
+    const auto beside = [&](long long row, bool right) {
+        part(row, ya, yb);
+        return right ? std::min(xAt(ya), xAt(yb)) >= xEnd : std::max(xAt(ya), xAt(yb)) <= x0;
+    };
+    // The rows at the low end for which beside(row, right) holds, given that it holds for a run
+    // of rows starting there: the first row after that run.
+    const auto runEnd = [&](bool right) {
+        long long lo = rowLo, hi = rowHi + 1;
+        while (lo < hi) {
+            const long long mid = lo + (hi - lo) / 2;
+            beside(mid, right) ? lo = mid + 1 : hi = mid;
+        }
+        return lo;
+    };
+    const auto runStart = [&](bool right) {
+        long long lo = rowLo, hi = rowHi + 1;
+        while (lo < hi) {
+            const long long mid = lo + (hi - lo) / 2;
+            beside(mid, right) ? hi = mid : lo = mid + 1;
+        }
+        return lo;
+    };
+    // Left rows at the low end when the parts move right with the row, else at the high end;
+    // right rows at the other end.
+    long long first = rowLo, last = rowHi;
+    const auto carry = [&](bool right, long long from, long long to) {
+        if (from > to) return;
+        long long a0 = 0, b0 = 0, a1 = 0, b1 = 0;
+        part(from, a0, b0);
+        part(to, a1, b1);
+        side.Add(right, down ? a0 : a1, down ? b1 : b0);
+    };
+    if (rightward) {
+        const long long leftEnd = runEnd(false);
+        carry(false, rowLo, leftEnd - 1);
+        first = leftEnd;
+        const long long rightStart = runStart(true);
+        carry(true, std::max(rightStart, first), rowHi);
+        last = std::max(rightStart, first) - 1;
+    } else {
+        const long long rightEnd = runEnd(true);
+        carry(true, rowLo, rightEnd - 1);
+        first = rightEnd;
+        const long long leftStart = runStart(false);
+        carry(false, std::max(leftStart, first), rowHi);
+        last = std::max(leftStart, first) - 1;
+    }
+    for (long long row = first; row <= last; ++row) {
+        part(row, ya, yb);
+        if (ya != yb) RowInWindow(xAt(ya), ya, xAt(yb), yb, x0, xEnd, piece, side);
     }
 }
 
@@ -216,6 +332,29 @@ bool InRange(const Bounds& b) {
 bool FitsFrame(const Bounds& b) {
     return CellOf(b.maxX) - CellOf(b.minX) < kMaxColumns &&
            CellOf(b.maxY) - CellOf(b.minY) <= kMaxCell - kMinCell;
+}
+
+// Whether the pieces of the polygon's edges in the tile of columns c0 .. c1 and rows r0 .. r1
+// store at most limit cells in an outline. An edge's row pieces store the cells of its columns
+// there, one more a row where they meet, and at most five more a row: a cell at each end, one
+// begun by a piece cut at a column boundary, a cell beside the tile on each side.
+bool TileCellsAtMost(const std::vector<double>& p, long long c0, long long r0, long long c1,
+                     long long r1, double limit) {
+    const size_t n = p.size() / 2;
+    const double columns = static_cast<double>(c1 - c0 + 3);
+    double cells = 1;
+    for (size_t i = 0; i < n; ++i) {
+        const size_t j = i + 1 < n ? i + 1 : 0;
+        const double top =
+            std::max(std::min(CellOf(p[2 * i + 1]), CellOf(p[2 * j + 1])), static_cast<double>(r0));
+        const double bottom = std::min(std::max(CellOf(p[2 * i + 1]), CellOf(p[2 * j + 1])),
+                                       static_cast<double>(r1 + 1));
+        if (top > bottom) continue;
+        cells += std::min(std::fabs(CellOf(p[2 * j]) - CellOf(p[2 * i])), columns) +
+                 6 * (bottom - top + 1) + 2;
+        if (cells > limit) return false;
+    }
+    return true;
 }
 
 // A target of the raster's size that gathers the spans of a sweep.
@@ -356,10 +495,7 @@ void CAvoidObject::DrawFar(long long originX, long long originY) {
             NoteFullRows(static_cast<int>(row0), static_cast<int>(bottom), false);
         return;
     }
-    // The tiles of the raster that the polygon reaches. The cells of all the pieces a tile's
-    // outline takes are at most twice the polygon's own bound (each edge adds at most a carry
-    // cell per row to its own cells), so a tile of a polygon within half the limit may be skipped.
-    const bool skippable = !s.drawEverything && CellsAtMost(s.polygon, kSkippableCells / 2);
+    // The tiles of the raster that the polygon reaches, in bands of rows.
     const long long columns =
         s.tileCells > 0 ? std::min<long long>(s.tileCells, kTileColumns) : kTileColumns;
     const long long rows =
@@ -371,7 +507,15 @@ void CAvoidObject::DrawFar(long long originX, long long originY) {
     for (long long y = row0 - row0 % rows; y <= row1; y += rows) {
         const int top = static_cast<int>(std::max(y, row0));
         const int bottom = static_cast<int>(std::min<long long>({y + rows - 1, row1, raster.y1}));
-        if (skippable && NoteFullRows(top, bottom, true)) continue;
+        if (!s.drawEverything) {
+            bool skippable = true;
+            for (long long x = firstColumn; skippable && x <= col1; x += columns) {
+                skippable = TileCellsAtMost(
+                    s.polygon, x, y, std::min<long long>(x + columns - 1, raster.x1),
+                    std::min<long long>(y + rows - 1, raster.y1), kSkippableCells);
+            }
+            if (skippable && NoteFullRows(top, bottom, true)) continue;
+        }
         const bool gather = firstColumn + columns <= col1;
         s.spans.clear();
         for (long long x = firstColumn; x <= col1; x += columns) {
@@ -410,17 +554,28 @@ void CAvoidObject::DrawTile(agg::emit_window tile, agg::rendering_buffer* target
     agg::outline& outline = Rasterizer().get_outline();
     outline.reset();
     outline.walk_always(s.drawEverything);
+    SideCover sides(s.sidePartial, s.sideFull);
+    sides.Reset(tile.y0, tile.y1);
     const size_t n = s.polygon.size() / 2;
     for (size_t i = 0; i < n; ++i) {
         const size_t j = i + 1 < n ? i + 1 : 0;
         EdgeInWindow(
             static_cast<long long>(s.polygon[2 * i]), static_cast<long long>(s.polygon[2 * i + 1]),
             static_cast<long long>(s.polygon[2 * j]), static_cast<long long>(s.polygon[2 * j + 1]),
-            tile, [&](long long x1, long long y1, long long x2, long long y2) {
+            tile,
+            [&](long long x1, long long y1, long long x2, long long y2) {
                 outline.edge(static_cast<int>(x1 - fx), static_cast<int>(y1 - fy),
                              static_cast<int>(x2 - fx), static_cast<int>(y2 - fy));
-            });
+            },
+            sides);
     }
+    // The cover from beside the tile, in the columns beside it; sums wrap in 32 bits as the
+    // sweep's own do.
+    sides.ForEach([&](bool right, long long row, long long cover) {
+        const long long column = right ? tile.x1 + 1 : tile.x0 - 1;
+        outline.cover(static_cast<int>(column - tile.dx), static_cast<int>(row - tile.dy),
+                      static_cast<int>(static_cast<uint32_t>(cover)));
+    });
     target != nullptr ? Sweep(*target, tile) : Sweep(tile);
 }
 

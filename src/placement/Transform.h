@@ -51,6 +51,9 @@ struct FootprintScratch {
     std::vector<double> polygon;
     // The spans of a band of tiles, gathered to be added in the order a whole sweep adds them.
     std::vector<Span> spans;
+    // The cover carried into a tile from beside it, row by row.
+    std::vector<long long> sidePartial;
+    std::vector<long long> sideFull;
     std::vector<int> subpixels;
     std::map<int, int> fullRows;
     // On: every polygon is rasterised in full, with no shortcut (for comparisons).

@@ -160,6 +160,16 @@ void outline::edge(int x1, int y1, int x2, int y2) {
     render_line(x1, y1, x2, y2);
 }
 
+void outline::cover(int x, int y, int cover) {
+    if ((flags_ & sort_pending) == 0) return;
+    if (x < min_x_) min_x_ = x;
+    if (x + 1 > max_x_) max_x_ = x + 1;
+    if (y < min_y_) min_y_ = y;
+    if (y + 1 > max_y_) max_y_ = y + 1;
+    set_cell(x, y);
+    current_.cover = WrapAdd(current_.cover, cover);
+}
+
 const cell* const* outline::cells() {
     if (flags_ & contour_open) {
         line_to(start_x_, start_y_);

@@ -124,6 +124,9 @@ public:
     // boundaries, and within a row column boundaries, at the subpixels where the edge's own walk
     // crosses them, add exactly the edge's cells. Ignored once the cells are sorted.
     void edge(int x1, int y1, int x2, int y2);
+    // Adds cover and no area to cell (x, y), as edges at the cell's left boundary whose heights
+    // sum to cover would. Ignored once the cells are sorted.
+    void cover(int x, int y, int cover);
 
     // Closes the open contour, stores the current cell and sorts (once per polygon). Returns the
     // null-terminated array of cell pointers in (row, column) order, or null with no cells.
