@@ -49,7 +49,8 @@ public:
     void Cover(long long width, long long height);
     // Files a placed object at its current offset; objects that are not valid never collide
     // and are not kept in buckets. Every inserted object raises this index's change signal
-    // until Clear(). obj must stay alive until then, or until the index is stale.
+    // until Clear() or until RemoveLast takes it back. obj must stay alive until then, or until
+    // the index is stale.
     void Insert(CAvoidObject* obj);
     // Takes back the last Insert when it filed obj, no Clear or RemoveLast came since and the
     // index is not stale: the index is then as if obj had never been inserted, and obj no longer
