@@ -15,6 +15,14 @@
 #include "placement/Transform.h"
 #include "stdafx.h"
 
+// Private steps whose signatures name the rasterizer's or the scratch's types, kept out of the
+// exported symbols as those types are.
+#if defined(__GNUC__) || defined(__clang__)
+#define KXAC_HIDDEN __attribute__((visibility("hidden")))
+#else
+#define KXAC_HIDDEN
+#endif
+
 namespace kxac {
 // What the placement is exact for. A canvas (device rect) of up to kMaxCanvasSide cells a side
 // gets exact cells everywhere. A stroke segment or ring whose bounds in subpixels reach across
@@ -70,20 +78,21 @@ struct AvoidObjectFields {
 // own walk crosses the tile's rows and columns: its cells are exact too.
 //
 // Cost of one call, with n points, R the canvas height and C its width (a shape that fits the
-// range stands for its own extent instead):
-// - AddRing: O(n) to bound and clip the ring, then per tile the outline, which walks only cells
-//   it stores (plus O(1) per edge and per row an edge crosses) and stores at most 4,194,304
-//   cells per polygon; sorting and sweeping them, and merging the runs of its rows. So at most
-//   O(n + R + 2^22 log 2^22) per tile, whatever the coordinates; once an object's outline has
-//   stored that many cells it stores none again, and later polygons cost O(their points).
-// - AddLine: O(n) for the segments that miss the canvas. A segment that meets it is clipped
-//   (O(1)) and then skipped at O(log) cost when the raster holds none of its cells, or when every
-//   row it spans is already one run from column 0 to the raster's last column; such rows are
-//   found as the call draws, and read from the grid, once each, when a segment lies over them.
-//   Any other segment is rasterised: O(R + C) cells per tile, their sort, and run merges over
-//   its rows. A stroke that covers the whole raster makes every later segment of the call cost
-//   O(1). A segment that covers only cells already occupied, in rows that are not full, is still
-//   drawn.
+// range stands for its own extent instead), and T = min(R, 65,000) + min(C, 32,000) for a tile:
+// - AddRing: O(n) to bound the ring. In a frame, the outline walks only cells it stores (plus
+//   O(1) per edge and per row an edge crosses) and stores at most 4,194,304 cells per polygon;
+//   sorting and sweeping them, and merging the runs of its rows. In tiles, each tile takes every
+//   edge at O(log T) (the rows where it lies beside the tile by bisection, their cover summed
+//   into one cell a row and side) plus O(1) per row and column it crosses inside the tile, then
+//   the same walk and sweep. Once an object's outline has stored 4,194,304 cells it stores none
+//   again, and later polygons cost O(their points) per tile.
+// - AddLine: O(n) for the segments that miss the canvas. A segment that meets it is skipped at
+//   O(log) cost when the raster holds none of its cells, or when every row it spans is already
+//   one run from column 0 to the raster's last column; such rows are found as the call draws, and
+//   read from the grid, once each, when a segment lies over them. Any other segment is
+//   rasterised: O(T) cells per tile it reaches, their sort, and run merges over its rows. A
+//   stroke that covers the whole raster makes every later segment of the call cost O(log). A
+//   segment that covers only cells already occupied, in rows that are not full, is still drawn.
 // Answers are the same as drawing every polygon in full, to the cell.
 class KXAC_API CAvoidObject : private kxac::AvoidObjectFields,
                               private CRLEIndexCreate,
@@ -240,15 +249,15 @@ private:
     void DrawFar(long long originX, long long originY);
     // Moves the polygon (whole subpixels of the canvas) into the frame whose first cell is the
     // range's first, and draws it there into the window.
-    void DrawInFrame(double minX, double minY, agg::emit_window window);
+    KXAC_HIDDEN void DrawInFrame(double minX, double minY, agg::emit_window window);
     // Draws the cells of the polygon (whole subpixels of the canvas) that lie in the tile, in a
     // frame of the tile, from the pieces of its edges there; into target when given.
-    void DrawTile(agg::emit_window tile, agg::rendering_buffer* target);
+    KXAC_HIDDEN void DrawTile(agg::emit_window tile, agg::rendering_buffer* target);
     // Adds the spans in order of rows and columns, those that meet joined.
-    void AddSpans(std::vector<kxac::FootprintScratch::Span>& spans);
+    KXAC_HIDDEN void AddSpans(std::vector<kxac::FootprintScratch::Span>& spans);
     // Draws the vertices in Scratch().subpixels, of the frame window.dx, window.dy, keeping the
     // cells of the window.
-    void DrawFramed(const agg::emit_window& window, bool rectangle);
+    KXAC_HIDDEN void DrawFramed(const agg::emit_window& window, bool rectangle);
     void DrawSegment(int x0, int y0, int x1, int y1, int width);
     // Adds the cells left .. right of the rows top .. bottom, as the sweep adds those of a
     // rectangle on cell corners.
@@ -258,7 +267,7 @@ private:
     // The columns of a full row: the raster's width.
     long long FullWidth();
     // The raster's cells, columns and rows within 32 bits, unshifted.
-    agg::emit_window RasterWindow();
+    KXAC_HIDDEN agg::emit_window RasterWindow();
     // Adds to Scratch().fullRows the rows of firstRow .. lastRow that are full (one run from column
     // 0 to at least FullWidth() - 1), stopping at the first that is not when untilGap is set.
     // Whether every row of the range is full.

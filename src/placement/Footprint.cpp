@@ -10,15 +10,18 @@
 // drawn in tiles of the raster. A tile's outline takes, of every edge, the pieces that lie in
 // the tile's rows, cut where the edge's own walk crosses the row boundaries (the walk computes
 // those crossings exactly, so the pieces add exactly the edge's cells); a row's piece that
-// leaves the tile's columns is cut at every column boundary inside them, where the row's walk
-// crosses it; its parts left and right of the tile go into the columns beside it as vertical
-// pieces, which carry the cover the sweep needs. The tile keeps the cells of its own rows and
-// columns, which are so exactly those of the whole polygon.
+// leaves the tile's columns is cut at the column boundaries inside them where the row's walk
+// changes its y; the cover of its parts left and right of the tile, and of the rows where an
+// edge lies wholly beside the tile, is summed into one cell a row on each side, which carries
+// what the sweep needs. The tile keeps the cells of its own rows and columns, which are so
+// exactly those of the whole polygon; a band of tiles adds its spans joined at the seams, in the
+// order of a whole sweep, so the runs are the same too.
+//
 // The rasterizer draws through the scratch memory of the attached transform, which all objects
 // of a container share: an object holds only its runs, however many objects a pool keeps.
 //
 // Hostile input (a million segments of half-width INT_MAX over the whole int range) would draw
-// the whole window once per segment. A polygon is therefore not drawn when the raster holds none
+// the whole raster once per segment. A polygon is therefore not drawn when the raster holds none
 // of its cells, or when all its rows are already full (one run from column 0 to the raster's
 // last column, which adding cells leaves exactly as it is). Whether a polygon is drawn can also
 // change what later ones store, through the outline's cell limit: only polygons too small to
@@ -47,12 +50,13 @@ constexpr long long kTileRows = 65000;
 
 double CellOf(double subpixel) { return std::floor(std::trunc(subpixel) / kSubpixels); }
 
-// floor(p / d) for d > 0.
+// floor(p / d) and ceil(p / d) for d > 0.
 long long FloorDiv(__int128 p, long long d) {
     __int128 q = p / d;
     if (p % d != 0 && p < 0) --q;
     return static_cast<long long>(q);
 }
+long long CeilDiv(__int128 p, long long d) { return -FloorDiv(-p, d); }
 
 // The cover that the parts of edges beside a tile's columns carry into it, row by row: what
 // the cells left of the tile add to the running cover of the sweep, and what the cells right of
@@ -132,14 +136,28 @@ void RowInWindow(long long xa, long long ya, long long xb, long long yb, long lo
     if (xa < x0) side.Add(false, ya, yAt(x0));
     if (xa > x1) side.Add(true, ya, yAt(x1));
     long long px = from, py = yAt(from);
-    // The first column boundary past `from` in the direction of the edge.
-    long long next = xa < xb ? ((from >> agg::subpixel_shift) + 1) << agg::subpixel_shift
-                             : ((from - 1) >> agg::subpixel_shift) << agg::subpixel_shift;
-    for (; xa < xb ? next < to : next > to; next += step) {
-        const long long ny = yAt(next);
-        piece(px, py, next, ny);
-        px = next;
+    // The column boundaries strictly between `from` and `to`, first0 + k * step for k < count,
+    // at the distance t0 + 256 k from xa. Between two boundaries where the walk's y is the same
+    // a piece adds nothing: only the columns where y changes (at most 257) become pieces, each
+    // found from the distance at which the next value of y is reached.
+    const long long first0 = xa < xb ? ((from >> agg::subpixel_shift) + 1) << agg::subpixel_shift
+                                     : ((from - 1) >> agg::subpixel_shift) << agg::subpixel_shift;
+    const long long count = xa < xb ? (to > first0 ? CeilDiv(to - first0, agg::subpixel_scale) : 0)
+                                    : (to < first0 ? CeilDiv(first0 - to, agg::subpixel_scale) : 0);
+    const long long t0 = xa < xb ? first0 - xa : xa - first0;
+    const long long dyp = yb - ya, adx = hi - lo;
+    for (long long k = 0; k < count && dyp != 0;) {
+        // The least distance at which y passes py, one value further.
+        const long long n = py - ya + (dyp > 0 ? 1 : -1);
+        const long long t = dyp > 0 ? CeilDiv(n * adx, dyp) : FloorDiv(-(n + 1) * adx, -dyp) + 1;
+        const long long at = std::max(k, t > t0 ? CeilDiv(t - t0, agg::subpixel_scale) : 0);
+        if (at >= count) break;
+        const long long x = first0 + at * step;
+        const long long ny = yAt(x);
+        piece(at == 0 ? from : x - step, py, x, ny);
+        px = x;
         py = ny;
+        k = at + 1;
     }
     if (px != to) piece(px, py, to, yAt(to));
     if (xb < x0) side.Add(false, yAt(x0), yb);
