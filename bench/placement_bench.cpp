@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "synthetic_scenes.h"
 
@@ -88,9 +89,56 @@ void BM_PassRecyclingDots(benchmark::State& state) {
     state.counters["recycled"] = static_cast<double>(recycled);
 }
 
+// Blockers of every label a pass left out, asked after the pass; the rate is of rejected labels.
+// The first query of each pass files the placed objects, so its cost is spread over the others.
+void RunBlockers(benchmark::State& state, kxbench::Scene& scene) {
+    CPriorityAvoidContainer container;
+    kxbench::FitToScene(container, scene);
+    size_t rejected = 0, blocked = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        container.Reset();
+        for (kxbench::Obstacle& o : scene.forced) {
+            CAvoidObject* obj = container.NewObject();
+            const int count = static_cast<int>(o.xy.size());
+            if (o.halfWidth > 0) {
+                obj->AddLine(o.xy.data(), count, o.halfWidth);
+            } else {
+                obj->AddRing(o.xy.data(), count);
+            }
+            container.Add(obj, true);
+        }
+        for (const kxbench::Label& label : scene.labels)
+            kxbench::AddLabel(container, label);
+        state.ResumeTiming();
+        rejected = 0, blocked = 0;
+        for (CAvoidObject* obj : container.UnplacedObjects()) {
+            const std::vector<CAvoidObject*> blockers = container.Blockers(obj);
+            blocked += blockers.empty() || blockers.front() == nullptr ? 0 : 1;
+            ++rejected;
+        }
+        benchmark::DoNotOptimize(blocked);
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * rejected));
+    state.counters["rejected"] = static_cast<double>(rejected);
+    state.counters["blocked"] = static_cast<double>(blocked);
+}
+
+void BM_BlockersUniform(benchmark::State& state) {
+    kxbench::Scene scene = kxbench::UniformLabels(static_cast<int>(state.range(0)), kSeed);
+    RunBlockers(state, scene);
+}
+
+void BM_BlockersWorldCities(benchmark::State& state) {
+    kxbench::Scene scene = kxbench::WorldCities(static_cast<int>(state.range(0)));
+    RunBlockers(state, scene);
+}
+
 BENCHMARK(BM_PassUniform)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PassClustered)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PassWorldCities)->Arg(5000)->Arg(20000)->Arg(0)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PassRecyclingDots)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_BlockersUniform)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_BlockersWorldCities)->Arg(20000)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -71,6 +71,26 @@ JNIEXPORT jint JNICALL Java_com_tavrint_core_util_index_grid_AvoidNatives_candid
     return position > INT_MAX ? INT_MAX : static_cast<jint>(position);
 }
 
+// The handles of the blockers, 0 where none; empty for an object that is not rejected, null for a
+// null handle or when the array cannot be made (the virtual machine's error is then pending).
+JNIEXPORT jlongArray JNICALL Java_com_tavrint_core_util_index_grid_AvoidNatives_blockers(
+    JNIEnv* env, jclass, jlong c, jlong obj) {
+    if (c == 0 || obj == 0) return nullptr;
+    return Guarded(env, static_cast<jlongArray>(nullptr), [&]() -> jlongArray {
+        const std::vector<CAvoidObject*> blockers = AsContainer(c)->Blockers(AsObject(obj));
+        if (blockers.size() > static_cast<size_t>(INT_MAX)) return nullptr;
+        const jsize n = static_cast<jsize>(blockers.size());
+        jlongArray out = env->NewLongArray(n);
+        if (out == nullptr || n == 0) return out;
+        jlong* handles = env->GetLongArrayElements(out, nullptr);
+        if (handles == nullptr) return nullptr;
+        for (jsize i = 0; i < n; ++i)
+            handles[i] = HandleOf(blockers[static_cast<size_t>(i)]);
+        env->ReleaseLongArrayElements(out, handles, 0);
+        return out;
+    });
+}
+
 JNIEXPORT jstring JNICALL
 Java_com_tavrint_core_util_index_grid_AvoidNatives_libraryVersion(JNIEnv* env, jclass) {
     return env->NewStringUTF(KXAC_VERSION_STRING);

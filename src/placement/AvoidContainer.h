@@ -14,9 +14,12 @@
 // test, which merges the runs of the rows both grids share.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <list>
 #include <queue>
+#include <unordered_map>
 #include <vector>
 
 #include "placement/AvoidObject.h"
@@ -58,8 +61,11 @@ private:
     std::queue<CAvoidObject*, std::deque<CAvoidObject*>> m_pool;
 
 protected:
-    // Called when Recycle takes obj off the placed list.
-    virtual void Released(CAvoidObject* obj) { (void)obj; }
+    // Called when Recycle takes obj off the placed list, where it stood at position (from 0).
+    virtual void Released(CAvoidObject* obj, size_t position) {
+        (void)obj;
+        (void)position;
+    }
     // Appends obj at the back of the placed or the unplaced list in a node that Reset or Recycle
     // freed, so that a pass of a reused container allocates no list nodes. The lists change only
     // through these, Recycle and Reset.
@@ -106,13 +112,60 @@ public:
     // Places obj unless a candidate, as the receiver, collides with it.
     bool TakePalce(CAvoidObject* obj, std::vector<CAvoidObject*>& candidates);
 
+    // Why obj was left out: for each of its offsets in order, the first object placed before obj
+    // was rejected (in placement order, among those still placed) that, as the receiver, collides
+    // with obj there; null where none does. Empty unless obj is in the unplaced list of this pass
+    // (state 2; for an object rejected twice, its last rejection counts). Answers are those of
+    // the placement's own test; obj's offset is back on its first when it returns.
+    //
+    // Computed on demand: the pass only notes, per rejection, how many objects were placed then.
+    // The first call after the placed list changed files the placed objects by their footprint
+    // bounds (linear in their number); each call then meets only the placed objects whose bounds
+    // share a bucket with obj's at each offset, and those without bounds.
+    std::vector<CAvoidObject*> Blockers(CAvoidObject* obj);
+
 protected:
-    void Released(CAvoidObject* obj) override;
+    void Released(CAvoidObject* obj, size_t position) override;
 
 private:
     // Refiles the placed objects when the index is stale.
     void SyncIndex();
     void Place(CAvoidObject* obj);
+    // Files the placed objects for Blockers, unless they are filed as they stand.
+    void FileForBlockers();
 
     CPlacedIndex m_index;
+
+    // A rejection: obj, and the number of objects that were placed before it.
+    struct Rejection {
+        CAvoidObject* obj;
+        size_t placedBefore;
+    };
+    std::vector<Rejection> m_rejections;
+    // Counts the changes of the placed list other than placements (recycling, resets) and the
+    // refilings of the index. Between two of them the placed list only grows, so this count and
+    // the list's size tell whether it changed.
+    uint64_t m_placedChanges = 0;
+    // What Blockers' files were made from: the count above, the sizes of the placed and unplaced
+    // lists and of the rejections.
+    struct Filing {
+        uint64_t placedChanges;
+        size_t placed;
+        size_t unplaced;
+        size_t rejections;
+        bool operator==(const Filing& o) const {
+            return placedChanges == o.placedChanges && placed == o.placed &&
+                   unplaced == o.unplaced && rejections == o.rejections;
+        }
+    };
+    Filing m_blockersFiled{~uint64_t{0}, 0, 0, 0};
+    // Blockers' files: the placed objects in order, the last rejection of each rejected object,
+    // and the placement ranks of the valid placed objects by buckets of their footprint bounds
+    // (those too large for buckets, or without bounds, in m_blockersLarge).
+    std::vector<CAvoidObject*> m_blockersOrder;
+    std::unordered_map<const CAvoidObject*, size_t> m_blockersLimit;
+    std::unordered_map<uint64_t, std::vector<size_t>> m_blockersBuckets;
+    std::vector<size_t> m_blockersLarge;
+    // The footprint bounds of each placed object, by rank; everywhere for those without.
+    std::vector<Box> m_blockersBounds;
 };

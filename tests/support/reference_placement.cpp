@@ -4,9 +4,7 @@
 #include <vector>
 
 namespace reference {
-namespace {
 
-// Footprint overlap of o with the receiver r, both at their current offsets, by the cell scan.
 bool Intersect(const CAvoidObject& r, CAvoidObject& o) {
     if (!r.IsValid() || !o.IsValid()) return false;
     const Location here = r.Offset();
@@ -22,8 +20,6 @@ bool Intersect(const CAvoidObject& r, CAvoidObject& o) {
     auto* grid = const_cast<CRLEIndexQuery*>(&o.Grid());
     return r.IsIntersectRLE(grid, o.RLEMaxExtent(), there);
 }
-
-}  // namespace
 
 bool PriorityContainer::Add(CAvoidObject* obj, bool force) {
     if (obj == nullptr) return true;

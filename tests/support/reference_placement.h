@@ -7,6 +7,9 @@
 
 namespace reference {
 
+// Footprint overlap of o with the receiver r, both at their current offsets, by the cell scan.
+bool Intersect(const CAvoidObject& r, CAvoidObject& o);
+
 class PriorityContainer : public CPriorityAvoidContainer {
 public:
     bool Add(CAvoidObject* obj, bool force) override;

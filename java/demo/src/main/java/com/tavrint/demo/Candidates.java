@@ -100,4 +100,9 @@ public final class Candidates {
     public int dy(int i) {
         return top(i) - top(0);
     }
+
+    /** The candidate at position p, or -1 when p does not fit the canvas. */
+    public int indexOf(Position p) {
+        return positions.indexOf(p);
+    }
 }

@@ -64,13 +64,13 @@ public final class Demo {
         long t2 = System.nanoTime();
         LabelPass.Result r = new LabelPass(scene, o.coastAsObstacle()).run();
         long t3 = System.nanoTime();
-        BufferedImage img = MapPainter.paint(scene, r.chosen(), o.showRejected());
+        BufferedImage img = MapPainter.paint(scene, r, o.showRejected());
         Path out = o.out().toAbsolutePath();
         Files.createDirectories(out.getParent());
         if (!ImageIO.write(img, "png", out.toFile())) throw new IOException("no PNG writer");
         long t4 = System.nanoTime();
         Path list = DataFiles.listBeside(o.out(), "-labels.tsv");
-        writeList(list, scene, r.chosen());
+        writeList(list, scene, r);
 
         int[] k = r.objectsByKind();
         int[] outcomes = new int[4];
@@ -98,12 +98,32 @@ public final class Demo {
         int onCanvas = labelled + missing.size();
         System.out.printf("largest %d cities on the canvas: %d labelled%s%n", onCanvas, labelled,
                 missing.isEmpty() ? "" : ", not labelled: " + String.join(", ", missing));
+        int capitals = 0;
+        List<String> capitalsMissing = new ArrayList<>();
+        for (int i = 0; i < scene.labels().size(); i++) {
+            City c = scene.labels().get(i).city();
+            if (!c.isCapital() || c.population() < CAPITAL_FROM) continue;
+            if (r.chosen()[i] >= 0) {
+                capitals++;
+            } else {
+                capitalsMissing.add(c.name());
+            }
+        }
+        System.out.printf("capitals of %,d or more on the canvas: %d of %d labelled%s%n",
+                CAPITAL_FROM, capitals, capitals + capitalsMissing.size(),
+                capitalsMissing.isEmpty() ? "" : ", not labelled: " + capitalsMissing);
         System.out.printf("wrote %s (%dx%d) and %s%n", o.out(), o.width(), o.height(), list);
+        if (o.explain() != null) {
+            System.out.print(Explain.story(o.explain(), cities, scene, r));
+        }
     }
 
+    /** Capitals of this population or more are reported on. */
+    static final long CAPITAL_FROM = 100_000;
+
     /**
-     * Of the {@link #LARGEST} most populous cities of the data whose point lies on the canvas,
-     * counts those labelled; adds the names of the others to missing.
+     * Of the {@link #LARGEST} most populous cities of the data whose point lies on the canvas
+     * (sections of cities, PPLX, left out), counts those labelled; adds the names of the others to missing.
      */
     static int largestLabelled(Projection p, List<City> cities, Scene scene, int[] chosen,
             List<String> missing) {
@@ -114,7 +134,7 @@ public final class Demo {
         int seen = 0;
         for (City c : cities) {
             if (seen == LARGEST) break;
-            if (!p.isOnCanvas(c.lon(), c.lat())) continue;
+            if (c.isSection() || !p.isOnCanvas(c.lon(), c.lat())) continue;
             seen++;
             if (outcome.getOrDefault(c, LabelPass.NOT_OFFERED) >= 0) {
                 labelled++;
@@ -125,28 +145,54 @@ public final class Demo {
         return labelled;
     }
 
-    /** One line per city of the scene, in the order of the pass. */
-    static void writeList(Path file, Scene scene, int[] chosen) throws IOException {
+    /**
+     * One line per city of the scene, in the order of the pass; for a city left out, what blocked
+     * each of its positions ("right=Brussels;left=border;...", names of dots marked "(dot)"), or
+     * its dot ("dot=...").
+     */
+    static void writeList(Path file, Scene scene, LabelPass.Result r) throws IOException {
+        int[] chosen = r.chosen();
         try (PrintWriter w = new PrintWriter(Files.newBufferedWriter(file, StandardCharsets.UTF_8))) {
             w.println("rank\tname\tcountry\tpopulation\tlon\tlat\tplaced\toutcome\tcandidate"
-                    + "\tleft\ttop\tright\tbottom");
+                    + "\tleft\ttop\tright\tbottom\tfeature\tblocked_by");
             List<Label> labels = scene.labels();
             for (int i = 0; i < labels.size(); i++) {
                 Label l = labels.get(i);
                 City c = l.city();
                 int k = chosen[i];
-                String where = "\t\t\t\t";
+                String where = "\t\t\t";
                 String candidate = "";
                 if (k >= 0) {
                     int[] b = LabelPass.labelBox(l, k);
                     where = String.format(Locale.ROOT, "%d\t%d\t%d\t%d", b[0], b[1], b[2], b[3]);
                     candidate = l.candidates().position(k).name().toLowerCase(Locale.ROOT);
                 }
-                w.printf(Locale.ROOT, "%d\t%s\t%s\t%d\t%.4f\t%.4f\t%s\t%s\t%s\t%s%n", i + 1,
-                        c.name(), c.country(), c.population(), c.lon(), c.lat(), k >= 0,
-                        LabelPass.Result.outcome(k), candidate, where);
+                w.printf(Locale.ROOT, "%d\t%s\t%s\t%d\t%.4f\t%.4f\t%s\t%s\t%s\t%s\t%s\t%s%n",
+                        i + 1, c.name(), c.country(), c.population(), c.lon(), c.lat(), k >= 0,
+                        LabelPass.Result.outcome(k), candidate, where, c.feature(),
+                        k >= 0 ? "" : blockedBy(l, r.stories()[i]));
             }
         }
+    }
+
+    /** What blocked each position of a label left out, or its dot. */
+    static String blockedBy(Label l, LabelPass.Story story) {
+        if (story.dotBlocker != null) return "dot=" + story.dotBlocker.name();
+        StringBuilder sb = new StringBuilder();
+        Candidates cand = l.candidates();
+        for (Candidates.Position p : Candidates.Position.values()) {
+            int k = cand.indexOf(p);
+            String why;
+            if (k < 0) {
+                why = LabelPass.OFF_CANVAS;
+            } else {
+                LabelPass.Blocker b = story.blocker(k);
+                why = b == null ? "nothing" : b.name();
+            }
+            if (sb.length() > 0) sb.append(';');
+            sb.append(p.name().toLowerCase(Locale.ROOT)).append('=').append(why);
+        }
+        return sb.toString();
     }
 
     private static double ms(long nanos) {

@@ -101,4 +101,17 @@ public final class Footprints {
     private static int[] slice(int[] pts, int firstVertex, int lastVertex) {
         return Arrays.copyOfRange(pts, 2 * firstVertex, 2 * lastVertex + 2);
     }
+
+    /** The middle of a polyline's bounding box, x then y. */
+    public static int[] middle(int[] xy) {
+        int minX = Integer.MAX_VALUE, minY = Integer.MAX_VALUE;
+        int maxX = Integer.MIN_VALUE, maxY = Integer.MIN_VALUE;
+        for (int i = 0; i + 1 < xy.length; i += 2) {
+            minX = Math.min(minX, xy[i]);
+            maxX = Math.max(maxX, xy[i]);
+            minY = Math.min(minY, xy[i + 1]);
+            maxY = Math.max(maxY, xy[i + 1]);
+        }
+        return new int[] {(int) (((long) minX + maxX) / 2), (int) (((long) minY + maxY) / 2)};
+    }
 }

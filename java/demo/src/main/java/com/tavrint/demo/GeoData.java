@@ -11,13 +11,27 @@ import java.util.List;
 /**
  * Readers of the map data files: tab-separated text in UTF-8 with one header line.
  *
- * <p>{@code cities.tsv} has the columns name, lon, lat, population, country and is ordered by
- * population, most populous first. {@code borders.tsv} and {@code coastline.tsv} have the columns
+ * <p>{@code cities.tsv} has the columns name, lon, lat, population, country, feature (the GeoNames
+ * feature code; a file of the first five columns alone reads with an empty code) and is ordered
+ * by population, most populous first. {@code borders.tsv} and {@code coastline.tsv} have the columns
  * id and vertices, the vertices being {@code lon,lat} pairs separated by single spaces.
  */
 public final class GeoData {
-    /** A populated place, in degrees. */
-    public record City(String name, double lon, double lat, long population, String country) {}
+    /**
+     * A populated place, in degrees, with its GeoNames feature code (PPLC a country's capital,
+     * PPLX a section of a larger place such as a district or a new town; empty when not known).
+     */
+    public record City(String name, double lon, double lat, long population, String country,
+            String feature) {
+        public boolean isCapital() {
+            return feature.equals("PPLC");
+        }
+
+        /** A district or new town inside a larger place, which a map of countries leaves out. */
+        public boolean isSection() {
+            return feature.equals("PPLX");
+        }
+    }
 
     /** A polyline as interleaved lon, lat values; a closed ring repeats its first vertex. */
     public record Polyline(double[] lonLat) {}
@@ -49,10 +63,12 @@ public final class GeoData {
             lineNo++;
             if (line.isEmpty()) continue;
             String[] f = line.split("\t", -1);
-            if (f.length != 5) throw malformed(lineNo, "expected 5 fields, found " + f.length);
+            if (f.length != 5 && f.length != 6) {
+                throw malformed(lineNo, "expected 6 fields, found " + f.length);
+            }
             try {
                 cities.add(new City(f[0], Double.parseDouble(f[1]), Double.parseDouble(f[2]),
-                        Long.parseLong(f[3]), f[4]));
+                        Long.parseLong(f[3]), f[4], f.length == 6 ? f[5] : ""));
             } catch (NumberFormatException e) {
                 throw malformed(lineNo, e.getMessage());
             }

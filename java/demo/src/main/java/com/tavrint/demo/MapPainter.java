@@ -10,6 +10,7 @@ import java.awt.Shape;
 import java.awt.font.TextLayout;
 import java.awt.geom.AffineTransform;
 import java.awt.geom.Ellipse2D;
+import java.awt.geom.Line2D;
 import java.awt.geom.Path2D;
 import java.awt.image.BufferedImage;
 import java.util.List;
@@ -24,6 +25,7 @@ public final class MapPainter {
     private static final Color TEXT = new Color(0x1E1E1E);
     private static final Color HALO = new Color(255, 255, 255, 215);
     private static final Color REJECTED = new Color(200, 40, 40, 90);
+    private static final Color LEADER = new Color(200, 40, 40, 150);
     static final String ATTRIBUTION =
             "Cities: GeoNames (www.geonames.org), CC BY 4.0 \u00b7 Made with Natural Earth";
     static final String LEGEND = "Cities placed by population, each dot with its name; a city"
@@ -32,7 +34,12 @@ public final class MapPainter {
 
     private MapPainter() {}
 
-    public static BufferedImage paint(Scene scene, int[] chosen, boolean showRejected) {
+    /**
+     * The picture of a scene after its pass; with showRejected, also the names left out, faintly,
+     * each with a thin leader from the name to what blocked its first position.
+     */
+    public static BufferedImage paint(Scene scene, LabelPass.Result r, boolean showRejected) {
+        int[] chosen = r.chosen();
         Projection p = scene.projection();
         BufferedImage img = new BufferedImage(p.width(), p.height(), BufferedImage.TYPE_INT_RGB);
         Graphics2D g = img.createGraphics();
@@ -41,7 +48,9 @@ public final class MapPainter {
             List<Label> labels = scene.labels();
             if (showRejected) {
                 for (int i = 0; i < labels.size(); i++) {
-                    if (chosen[i] == LabelPass.REJECTED) paintRejected(g, labels.get(i));
+                    if (chosen[i] == LabelPass.REJECTED) {
+                        paintRejected(g, labels.get(i), r.stories()[i].firstBlocker());
+                    }
                 }
             }
             for (int i = 0; i < labels.size(); i++) {
@@ -123,10 +132,16 @@ public final class MapPainter {
         g.fill(text);
     }
 
-    private static void paintRejected(Graphics2D g, Label l) {
+    private static void paintRejected(Graphics2D g, Label l, LabelPass.Blocker blocker) {
         if (l.candidates().isEmpty()) return;
         g.setColor(REJECTED);
         g.fill(textOutline(l, 0));
+        if (blocker == null) return;
+        int[] b = LabelPass.labelBox(l, 0);
+        g.setColor(LEADER);
+        g.setStroke(new BasicStroke(0.7f));
+        g.draw(new Line2D.Double((b[0] + b[2]) / 2.0 + 0.5, (b[1] + b[3]) / 2.0 + 0.5,
+                blocker.x() + 0.5, blocker.y() + 0.5));
     }
 
     private static Shape textOutline(Label l, int candidate) {
@@ -139,14 +154,16 @@ public final class MapPainter {
     }
 
     /**
-     * Cells of the attribution's panel in the bottom right corner: left, top, right, bottom. The
-     * pass keeps labels off it.
+     * Cells of the attribution's panel in the top left corner (open sea on the default window,
+     * where the bottom right corner would hide Cyprus): left, top, right, bottom. The pass keeps
+     * labels off it.
      */
     public static int[] attributionBox(int width, int height) {
         double w = Math.max(
                 ATTRIBUTION_FONT.getStringBounds(ATTRIBUTION, LabelStyle.RENDER_CONTEXT).getWidth(),
                 ATTRIBUTION_FONT.getStringBounds(LEGEND, LabelStyle.RENDER_CONTEXT).getWidth());
-        return new int[] {width - (int) Math.ceil(w) - 12, height - 37, width - 1, height - 1};
+        return new int[] {0, 0, Math.min(width, (int) Math.ceil(w) + 12) - 1,
+            Math.min(height, 37) - 1};
     }
 
     private static void paintAttribution(Graphics2D g, Projection p) {
@@ -155,8 +172,8 @@ public final class MapPainter {
         g.fillRect(box[0], box[1], box[2] - box[0] + 1, box[3] - box[1] + 1);
         g.setFont(ATTRIBUTION_FONT);
         g.setColor(new Color(0x303030));
-        g.drawString(LEGEND, box[0] + 6, p.height() - 23);
+        g.drawString(LEGEND, box[0] + 6, box[1] + 15);
         g.setColor(new Color(0x606060));
-        g.drawString(ATTRIBUTION, box[0] + 6, p.height() - 7);
+        g.drawString(ATTRIBUTION, box[0] + 6, box[1] + 31);
     }
 }

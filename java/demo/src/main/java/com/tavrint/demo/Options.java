@@ -4,7 +4,7 @@ import java.nio.file.Path;
 
 /** Command-line options of the demo; every option has a default that makes a good picture. */
 public record Options(int width, int height, double[] window, int cities, int spacing, Path out,
-        boolean showRejected, Path dataDir, boolean coastAsObstacle) {
+        boolean showRejected, Path dataDir, boolean coastAsObstacle, String explain) {
     public static final String USAGE = String.join("\n",
             "usage: Demo [options]",
             "  --width N               canvas width in pixels (2000)",
@@ -13,9 +13,11 @@ public record Options(int width, int height, double[] window, int cities, int sp
             "  --cities N              label the N most populous cities in the window (1500)",
             "  --spacing N             leave out cities within N pixels (more round big cities) of a larger one (12)",
             "  --out FILE              output picture (out/demo.png); the label list goes beside it",
-            "  --show-rejected         draw the labels that found no place, faintly",
+            "  --show-rejected         draw the labels that found no place, faintly, each with a leader",
+            "                          to what blocked its first position",
             "  --data DIR              folder of cities.tsv, borders.tsv, coastline.tsv (data)",
-            "  --coast obstacle|drawn  whether labels must keep off the coastline (drawn)");
+            "  --coast obstacle|drawn  whether labels must keep off the coastline (drawn)",
+            "  --explain NAME          print what happened to the city of that name in the pass");
 
     /** Parses the arguments over the defaults; throws IllegalArgumentException with a reason. */
     public static Options parse(String... args) {
@@ -28,6 +30,7 @@ public record Options(int width, int height, double[] window, int cities, int sp
         boolean showRejected = false;
         Path dataDir = Path.of("data");
         boolean coastAsObstacle = false;
+        String explain = null;
         for (int i = 0; i < args.length; i++) {
             String a = args[i];
             if (a.equals("--show-rejected")) {
@@ -47,6 +50,7 @@ public record Options(int width, int height, double[] window, int cities, int sp
                 case "--out" -> out = Path.of(v);
                 case "--data" -> dataDir = Path.of(v);
                 case "--window" -> window = window(v);
+                case "--explain" -> explain = v;
                 case "--coast" -> {
                     if (!v.equals("obstacle") && !v.equals("drawn")) {
                         throw new IllegalArgumentException("--coast takes obstacle or drawn");
@@ -57,11 +61,11 @@ public record Options(int width, int height, double[] window, int cities, int sp
             }
         }
         return new Options(width, height, window, cities, spacing, out, showRejected, dataDir,
-                coastAsObstacle);
+                coastAsObstacle, explain);
     }
 
     private static final java.util.Set<String> VALUED = java.util.Set.of("--width", "--height",
-            "--cities", "--spacing", "--out", "--data", "--window", "--coast");
+            "--cities", "--spacing", "--out", "--data", "--window", "--coast", "--explain");
 
     // Bounds the canvas so that the picture stays within a few hundred megabytes of memory.
     private static final int MAX_SIDE = 10000;

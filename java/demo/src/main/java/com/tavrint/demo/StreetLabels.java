@@ -138,9 +138,21 @@ public final class StreetLabels {
         return total <= MAX_TURNING;
     }
 
-    /** The path turned so that the text along it reads left to right, not upside down. */
+    /** Within this many degrees of the vertical, a name reads bottom to top. */
+    static final double NEAR_VERTICAL = 15;
+
+    /**
+     * The path turned so that the text along it reads left to right or, along a street within
+     * {@link #NEAR_VERTICAL} degrees of the vertical, bottom to top: never upside down, and never
+     * top to bottom. The direction is that from the first point to the last.
+     */
     public static double[] upright(double[] path) {
-        return path[path.length - 2] < path[0] ? reverse(path) : path;
+        double dx = path[path.length - 2] - path[0];
+        double dy = path[path.length - 1] - path[1];
+        // Pixels run downwards: a direction up the picture has dy < 0.
+        double fromVertical = Math.toDegrees(Math.atan2(Math.abs(dx), Math.abs(dy)));
+        boolean reads = fromVertical <= NEAR_VERTICAL ? dy < 0 : dx > 0;
+        return reads ? path : reverse(path);
     }
 
     /**

@@ -23,6 +23,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.Comparator;
+import java.util.IdentityHashMap;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Locale;
@@ -258,6 +259,12 @@ public final class StreetsDemo {
         final List<PoiLabel> pois = new ArrayList<>();
         final List<Integer> poiChosen = new ArrayList<>();
         final List<int[]> reserved = new ArrayList<>();
+        // What blocked each candidate of a POI left out (by candidate), or its icon (one entry).
+        final List<String[]> poiBlockers = new ArrayList<>();
+        // Stretches of streets that found no place for their name.
+        final List<LeftOut> leftOut = new ArrayList<>();
+        // What each placed object stands for, to name the blockers.
+        private final Map<AvoidObject, String> what = new IdentityHashMap<>();
         int chainCount;
         int refusedAttempts;
         int objects;
@@ -288,13 +295,16 @@ public final class StreetsDemo {
                 pois.add(new PoiLabel(p, g, (int) x, (int) y, Candidates.around(x, y,
                         ICON_RADIUS + 2, size[0], size[1], frame.width(), frame.height())));
                 poiChosen.add(-1);
+                poiBlockers.add(null);
             }
             pois.sort(Comparator.comparing(PoiLabel::group));
 
             try (AvoidContainer c = new AvoidContainer()) {
                 c.setDeviceRect(0, 0, frame.width(), frame.height());
                 for (int[] b : reserved) {
-                    c.newObject().addRect(b[0], b[1], b[2], b[3]).addForced();
+                    AvoidObject panel = c.newObject().addRect(b[0], b[1], b[2], b[3]);
+                    panel.addForced();
+                    what.put(panel, "panel");
                     objects++;
                 }
                 // Main streets' names, then culture and worship, then the other streets, then
@@ -333,6 +343,9 @@ public final class StreetsDemo {
             double w = textWidth + 4;
             double len = StreetLabels.length(chain);
             for (double[] slot : StreetLabels.slots(len, w, repeat, 6)) {
+                StringBuilder refused = new StringBuilder();
+                double[] firstTried = null;
+                boolean named = false;
                 for (double s : slot) {
                     double[] path = StreetLabels.subPath(chain, s, s + w);
                     if (path.length < 4 || !StreetLabels.readable(path)) continue;
@@ -348,12 +361,28 @@ public final class StreetsDemo {
                     if (label.add()) {
                         names.add(new StreetName(name, cls, StreetLabels.upright(path), s,
                                 bounds(line, halfHeight)));
+                        what.put(label, name);
+                        named = true;
                         break;
                     }
                     refusedAttempts++;
+                    if (firstTried == null) firstTried = pointAt(path, 0);
+                    if (refused.length() > 0) refused.append(';');
+                    refused.append(String.format(Locale.ROOT, "%.0f px=%s", s,
+                            name(label.blockers().get(0))));
                     label.recycle();
                 }
+                if (!named && firstTried != null) {
+                    leftOut.add(new LeftOut(name, cls, firstTried, refused.toString()));
+                }
             }
+        }
+
+        /** A stretch of a street whose name found no place: where it was first tried, and why. */
+        record LeftOut(String name, StreetClass cls, double[] at, String blockedBy) {}
+
+        private String name(AvoidObject blocker) {
+            return blocker == null ? "nothing" : what.get(blocker);
         }
 
         // Whether a name of this street already stands within the repeat distance: the two
@@ -415,9 +444,11 @@ public final class StreetsDemo {
                         Footprints.octagonRing(p.px(), p.py(), ICON_RADIUS));
                 objects++;
                 if (!icon.add()) {
+                    poiBlockers.set(i, new String[] {"icon=" + name(icon.blockers().get(0))});
                     icon.recycle();
                     continue;
                 }
+                what.put(icon, "icon of " + p.poi().name());
                 Candidates cand = p.candidates();
                 int left = cand.left(0);
                 int top = cand.top(0);
@@ -427,7 +458,16 @@ public final class StreetsDemo {
                 objects++;
                 if (label.add()) {
                     poiChosen.set(i, label.candidate());
+                    what.put(label, p.poi().name());
                 } else {
+                    List<AvoidObject> blockers = label.blockers();
+                    String[] why = new String[Candidates.Position.values().length];
+                    for (Candidates.Position pos : Candidates.Position.values()) {
+                        int k = cand.indexOf(pos);
+                        why[pos.ordinal()] = pos.name().toLowerCase(Locale.ROOT) + "="
+                                + (k < 0 ? LabelPass.OFF_CANVAS : name(blockers.get(k)));
+                    }
+                    poiBlockers.set(i, why);
                     label.recycle();
                     icon.recycle();
                 }
@@ -451,20 +491,28 @@ public final class StreetsDemo {
         void writeList(Path file) throws IOException {
             try (PrintWriter w =
                             new PrintWriter(Files.newBufferedWriter(file, StandardCharsets.UTF_8))) {
-                w.println("kind\tname\tclass\tplaced\tcandidate\tx\ty");
+                w.println("kind\tname\tclass\tplaced\tcandidate\tx\ty\tblocked_by");
                 for (StreetName s : names) {
-                    w.printf(Locale.ROOT, "street\t%s\t%s\ttrue\talong %.0f px\t%.0f\t%.0f%n",
+                    w.printf(Locale.ROOT, "street\t%s\t%s\ttrue\talong %.0f px\t%.0f\t%.0f\t%n",
                             s.name(), s.cls().name().toLowerCase(Locale.ROOT), s.start(),
                             s.path()[0], s.path()[1]);
+                }
+                // A stretch left unnamed: each start along the street that was tried, and what
+                // blocked the name there.
+                for (LeftOut s : leftOut) {
+                    w.printf(Locale.ROOT, "street\t%s\t%s\tfalse\t\t%.0f\t%.0f\t%s%n", s.name(),
+                            s.cls().name().toLowerCase(Locale.ROOT), s.at()[0], s.at()[1],
+                            s.blockedBy());
                 }
                 for (int i = 0; i < pois.size(); i++) {
                     PoiLabel p = pois.get(i);
                     int k = poiChosen.get(i);
-                    w.printf(Locale.ROOT, "poi\t%s\t%s\t%s\t%s\t%d\t%d%n", p.poi().name(),
+                    String[] why = poiBlockers.get(i);
+                    w.printf(Locale.ROOT, "poi\t%s\t%s\t%s\t%s\t%d\t%d\t%s%n", p.poi().name(),
                             p.poi().kind(), k >= 0,
                             k >= 0 ? p.candidates().position(k).name().toLowerCase(Locale.ROOT)
                                    : "",
-                            p.px(), p.py());
+                            p.px(), p.py(), why == null ? "" : String.join(";", why));
                 }
             }
         }

@@ -10,7 +10,9 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Collections;
 import java.util.ConcurrentModificationException;
+import java.util.HashMap;
 import java.util.List;
+import java.util.Map;
 import java.util.Properties;
 import java.util.concurrent.atomic.AtomicInteger;
 
@@ -393,6 +395,14 @@ public final class AvoidContainer implements AutoCloseable {
         return handle;
     }
 
+    // Objects of this pass not recycled, by handle, for blockers(): refilled when the pass, the
+    // objects added or the recycled ones changed since.
+    private final Map<Long, AvoidObject> byHandle = new HashMap<>();
+    private int byHandlePass = -1;
+    private int byHandleAdded = -1;
+    private int byHandleRecycles = -1;
+    private int recycles;
+
     int pass() {
         return pass;
     }
@@ -414,6 +424,35 @@ public final class AvoidContainer implements AutoCloseable {
             state.ownedByContainer(slot);
         }
         CAvoidContainerWrap.RecycleAvoidObject(handle, object.rawHandle());
+        recycles++;
+    }
+
+    /** The blockers of an object added and not placed, as objects of this pass. Called entered. */
+    List<AvoidObject> blockers(AvoidObject object) {
+        long[] handles = AvoidNatives.blockers(handle, object.rawHandle());
+        if (handles == null || handles.length == 0) {
+            return Collections.emptyList();
+        }
+        if (byHandlePass != pass || byHandleAdded != addedCount || byHandleRecycles != recycles) {
+            byHandle.clear();
+            for (int i = 0; i < addedCount; i++) {
+                if (!added[i].isRecycled()) {
+                    byHandle.put(added[i].rawHandle(), added[i]);
+                }
+            }
+            byHandlePass = pass;
+            byHandleAdded = addedCount;
+            byHandleRecycles = recycles;
+        }
+        List<AvoidObject> result = new ArrayList<>(handles.length);
+        for (long h : handles) {
+            AvoidObject o = h == 0 ? null : byHandle.get(h);
+            if (h != 0 && o == null) {
+                throw new IllegalStateException("container names a blocker it was not given");
+            }
+            result.add(o);
+        }
+        return Collections.unmodifiableList(result);
     }
 
     // The objects of a native result list: a subsequence of the objects added, in that order.

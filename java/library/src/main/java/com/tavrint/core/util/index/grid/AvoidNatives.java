@@ -37,6 +37,13 @@ final class AvoidNatives {
      */
     static native int candidate(long obj);
 
+    /**
+     * For an object of container c that was not placed: per candidate offset, in order, the
+     * handle of the first object placed before it that collides with it there, or 0. An empty
+     * array for an object that is not in the container's unplaced list; null for a null handle.
+     */
+    static native long[] blockers(long c, long obj);
+
     /** The version the native library was built as. */
     static native String libraryVersion();
 }

@@ -1,5 +1,6 @@
 package com.tavrint.core.util.index.grid;
 
+import java.util.List;
 import java.util.Objects;
 
 /**
@@ -305,6 +306,26 @@ public final class AvoidObject {
         enter();
         try {
             return AvoidNatives.candidate(handle);
+        } finally {
+            owner.leave();
+        }
+    }
+
+    /**
+     * Why the object was not placed: one entry per candidate offset, in the order of {@link
+     * #candidate()}, holding the first object placed before this one that overlaps it there (by
+     * the placement's own test), or null where none does (only when that object was recycled
+     * since). Objects placed after this one are never named. An empty list when the object is
+     * not among the container's {@link AvoidContainer#unplaced()} objects. Computed on demand:
+     * the first call after the placed objects changed files them anew, in time linear in their
+     * number.
+     *
+     * @return an unmodifiable list
+     */
+    public List<AvoidObject> blockers() {
+        enter();
+        try {
+            return owner.blockers(this);
         } finally {
             owner.leave();
         }

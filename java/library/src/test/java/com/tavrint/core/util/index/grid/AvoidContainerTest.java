@@ -2,6 +2,7 @@ package com.tavrint.core.util.index.grid;
 
 import static org.junit.jupiter.api.Assertions.*;
 
+import java.util.Arrays;
 import java.util.List;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.function.Executable;
@@ -168,5 +169,29 @@ class AvoidContainerTest {
         assertTrue(AvoidContainer.version().matches("\\d+\\.\\d+\\.\\d+"),
                 AvoidContainer.version());
         assertEquals(AvoidContainer.version(), AvoidContainer.libraryVersion());
+    }
+
+    // Candidates: where it stands over a and c, shifted over b, shifted clear. Placed after the
+    // label, d overlaps every candidate and is never named; recycled, a stops blocking.
+    @Test
+    void blockersNameTheFirstObjectPlacedBeforeAtEachCandidate() {
+        try (AvoidContainer c = canvas(new AvoidContainer())) {
+            AvoidObject a = label(c, "a", 10, 10);
+            AvoidObject b = label(c, "b", 60, 10);
+            AvoidObject overA = label(c, "c", 15, 12);
+            List.of(a, b, overA).forEach(AvoidObject::addForced);
+            AvoidObject blocked = label(c, "label", 12, 11).addOffset(50, 0).addOffset(0, 0);
+            assertFalse(blocked.add());
+            AvoidObject after = c.newObject().addRect(0, 0, 199, 99);
+            after.addForced();
+            assertEquals(Arrays.asList(a, b, a), blocked.blockers());
+            assertEquals(List.of(), a.blockers(), "a placed object has none");
+            a.recycle();
+            assertEquals(Arrays.asList(overA, b, overA), blocked.blockers());
+            overA.recycle();
+            assertEquals(Arrays.asList(null, b, null), blocked.blockers());
+            c.reset();
+            assertThrows(IllegalStateException.class, blocked::blockers);
+        }
     }
 }

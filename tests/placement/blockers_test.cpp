@@ -1,0 +1,220 @@
+// Blockers against a straightforward search: for each rejected object, the placed list as it stood
+// when the object was rejected is scanned in order at each of its offsets, with the coarse extent
+// filter and the cell-by-cell footprint test of the reference placement; the first object that is
+// still placed and collides is the expected blocker. Scenes mix rectangles, stroked lines, rings,
+// boxes, forced obstacles, offsets and a few offsets far off the canvas.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "reference_placement.h"
+#include "test_support.h"
+
+namespace {
+
+using testing_support::Random;
+
+constexpr int kCanvas = 160;
+// Lines across a canvas this wide span more extent buckets than a bucket list keeps.
+constexpr int kWide = 1500;
+// Beyond the reach of the extent buckets, so those objects are met by every query.
+constexpr int kFar = (1 << 30) + 500;
+
+class Scene {
+public:
+    explicit Scene(uint32_t seed) : m_rnd{std::mt19937(seed)} {
+        testing_support::SetCanvas(*m_fast.DT(), kWide, kCanvas);
+        testing_support::SetCanvas(*m_slow.DT(), kWide, kCanvas);
+    }
+
+    // A random footprint with random offsets, added to both containers.
+    void AddOne() {
+        const bool force = m_rnd(0, 9) == 0;
+        const std::mt19937 state = m_rnd.rng;
+        CAvoidObject* obj = m_fast.NewObject();
+        Footprint(obj);
+        m_rnd.rng = state;
+        CAvoidObject* same = m_slow.NewObject();
+        Footprint(same);
+        m_placedAtAdd.push_back(Placed());
+        m_fast.Add(obj, force);
+        m_slow.Add(same, force);
+        m_added.push_back(obj);
+    }
+
+    // The expected blockers of obj, the index-th object added.
+    std::vector<CAvoidObject*> Expected(size_t index) {
+        CAvoidObject* obj = m_added[index];
+        std::vector<CAvoidObject*> result;
+        if (obj->PlacedState() != CAvoidObject::kNotPlaced) return result;
+        const std::vector<CAvoidObject*> now = Placed();
+        std::vector<Location>& offsets = obj->OffsetCollection();
+        for (auto it = offsets.begin(); it != offsets.end(); ++it) {
+            obj->OffsetIterator(it);
+            CAvoidObject* first = nullptr;
+            for (CAvoidObject* placed : m_placedAtAdd[index]) {
+                if (std::find(now.begin(), now.end(), placed) == now.end()) continue;
+                if (obj->MaxExtent().IsIntersect(placed->MaxExtent()) &&
+                    reference::Intersect(*placed, *obj)) {
+                    first = placed;
+                    break;
+                }
+            }
+            result.push_back(first);
+        }
+        obj->OffsetIterator(offsets.begin());
+        return result;
+    }
+
+    std::vector<CAvoidObject*> Placed() const {
+        return {m_fast.PlacedObjects().begin(), m_fast.PlacedObjects().end()};
+    }
+
+    CPriorityAvoidContainer m_fast;
+    reference::PriorityContainer m_slow;
+    std::vector<CAvoidObject*> m_added;
+    // The placed list just before each object was added.
+    std::vector<std::vector<CAvoidObject*>> m_placedAtAdd;
+    Random m_rnd;
+
+private:
+    void Footprint(CAvoidObject* obj) {
+        const int x = m_rnd(-10, kCanvas), y = m_rnd(-10, kCanvas);
+        if (m_rnd(0, 30) == 0) {
+            int xy[] = {-10, y, kWide, y + m_rnd(-3, 3)};
+            obj->AddLine(xy, 4, 1);
+        }
+        switch (m_rnd(0, 3)) {
+            case 0: {  // a rectangle of cells
+                int xy[] = {x,
+                            y,
+                            x + m_rnd(1, 30),
+                            y,
+                            x + m_rnd(1, 30),
+                            y + m_rnd(1, 12),
+                            x,
+                            y + m_rnd(1, 12)};
+                obj->AddRing(xy, 8);
+                break;
+            }
+            case 1: {  // a stroked polyline
+                int xy[] = {x,
+                            y,
+                            x + m_rnd(-40, 40),
+                            y + m_rnd(-40, 40),
+                            x + m_rnd(-40, 40),
+                            y + m_rnd(-40, 40)};
+                obj->AddLine(xy, 2 * m_rnd(2, 3), m_rnd(1, 3));
+                break;
+            }
+            case 2: {  // a ring, maybe self-crossing
+                int xy[] = {x,
+                            y,
+                            x + m_rnd(5, 25),
+                            y + m_rnd(-5, 5),
+                            x + m_rnd(0, 25),
+                            y + m_rnd(5, 25),
+                            x + m_rnd(-10, 5),
+                            y + m_rnd(0, 20)};
+                obj->AddRing(xy, 8);
+                break;
+            }
+            default: {  // boxes beside a small ring: one-sided as an obstacle
+                int xy[] = {x, y, x + 4, y, x + 4, y + 4, x, y + 4};
+                obj->AddRing(xy, 8);
+                obj->AddBox(
+                    Box(x - m_rnd(0, 20), y - m_rnd(0, 8), x + m_rnd(0, 20), y + m_rnd(0, 8)));
+                break;
+            }
+        }
+        for (int n = m_rnd(0, 4); n > 0; --n) {
+            if (m_rnd(0, 14) == 0)
+                obj->OffsetCollection().push_back(Location{kFar, m_rnd(0, 3)});
+            else
+                obj->OffsetCollection().push_back(Location{m_rnd(-25, 25), m_rnd(-25, 25)});
+        }
+    }
+};
+
+// Compares the blockers of every object added; the number of objects that have some.
+size_t CheckBlockers(Scene& scene) {
+    size_t rejected = 0;
+    for (size_t i = 0; i < scene.m_added.size(); ++i) {
+        CAvoidObject* obj = scene.m_added[i];
+        const std::vector<CAvoidObject*> expected = scene.Expected(i);
+        const auto position = obj->OffsetIterator();
+        const std::vector<CAvoidObject*> got = scene.m_fast.Blockers(obj);
+        EXPECT_EQ(got, expected) << "object " << i;
+        EXPECT_EQ(obj->OffsetIterator(), position) << "object " << i;
+        rejected += got.empty() ? 0 : 1;
+    }
+    return rejected;
+}
+
+TEST(Blockers, FirstCollidingObjectPlacedBeforeEachOffset) {
+    for (uint32_t seed = 1; seed <= 40; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Scene scene(seed);
+        for (int i = 0; i < 150; ++i)
+            scene.AddOne();
+        EXPECT_GE(CheckBlockers(scene), 10u);
+        // Nothing but a placed object rejects an offset: in a plain pass every entry is set.
+        for (CAvoidObject* obj : scene.m_fast.UnplacedObjects()) {
+            const std::vector<CAvoidObject*> got = scene.m_fast.Blockers(obj);
+            ASSERT_EQ(got.size(), obj->OffsetCollection().size());
+            ASSERT_EQ(std::count(got.begin(), got.end(), nullptr), 0);
+        }
+    }
+}
+
+TEST(Blockers, AskingMidPassChangesNoPlacement) {
+    for (uint32_t seed = 100; seed <= 110; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Scene scene(seed);
+        for (int i = 0; i < 150; ++i) {
+            scene.AddOne();
+            // Every few adds, ask about every rejected object so far.
+            if (i % 17 == 16) CheckBlockers(scene);
+        }
+        const auto ids = [](const std::list<CAvoidObject*>& list) {
+            std::vector<std::pair<Location, int>> out;
+            for (CAvoidObject* obj : list)
+                out.push_back({obj->Offset(), obj->PlacedState()});
+            return out;
+        };
+        ASSERT_EQ(ids(scene.m_fast.PlacedObjects()), ids(scene.m_slow.PlacedObjects()));
+        ASSERT_EQ(ids(scene.m_fast.UnplacedObjects()), ids(scene.m_slow.UnplacedObjects()));
+    }
+}
+
+// Placed objects taken back no longer block; rejected ones taken back, placed objects and objects
+// never added have no blockers; a reset forgets the pass.
+TEST(Blockers, FollowsRecycleAndReset) {
+    for (uint32_t seed = 200; seed <= 215; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Scene scene(seed);
+        for (int i = 0; i < 150; ++i) {
+            scene.AddOne();
+            if (i % 23 == 22) scene.m_fast.Blockers(scene.m_added[size_t(i) - 1]);
+        }
+        // Most of them, so that offsets remain where every blocker placed before is gone.
+        for (size_t n = scene.Placed().size() * 2 / 3; n > 0; --n) {
+            const std::vector<CAvoidObject*> placed = scene.Placed();
+            scene.m_fast.Recycle(placed[size_t(scene.m_rnd(0, int(placed.size()) - 1))]);
+        }
+        EXPECT_GE(CheckBlockers(scene), 10u);
+        CAvoidObject* rejected = scene.m_fast.UnplacedObjects().front();
+        scene.m_fast.Recycle(rejected);
+        EXPECT_TRUE(scene.m_fast.Blockers(rejected).empty());
+        EXPECT_TRUE(scene.m_fast.Blockers(scene.Placed().front()).empty());
+        CAvoidObject* fresh = scene.m_fast.NewObject();
+        EXPECT_TRUE(scene.m_fast.Blockers(fresh).empty());
+        scene.m_fast.Recycle(fresh);
+        rejected = scene.m_fast.UnplacedObjects().front();
+        scene.m_fast.Reset();
+        EXPECT_TRUE(scene.m_fast.Blockers(rejected).empty());
+    }
+}
+
+}  // namespace
