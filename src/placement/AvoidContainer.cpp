@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <iterator>
 #include <vector>
 
 CAvoidContainer::CAvoidContainer() = default;
@@ -10,11 +11,26 @@ CAvoidContainer::CAvoidContainer() = default;
 CAvoidContainer::~CAvoidContainer() { CAvoidContainer::Destroy(); }
 
 void CAvoidContainer::Reset() {
-    for (std::list<CAvoidObject*>* list : {&m_placed, &m_unplaced}) {
-        for (CAvoidObject* obj : *list)
-            m_pool.push(obj);
-        m_spareNodes.splice(m_spareNodes.end(), *list);
+    for (CAvoidObject* obj : m_placed) {
+        --obj->m_placedNodes;
+        m_pool.push(obj);
     }
+    for (CAvoidObject* obj : m_unplaced) {
+        --obj->m_unplacedNodes;
+        m_pool.push(obj);
+    }
+    m_spareNodes.splice(m_spareNodes.end(), m_placed);
+    m_spareNodes.splice(m_spareNodes.end(), m_unplaced);
+}
+
+void CAvoidContainer::AppendPlaced(CAvoidObject* obj) {
+    ++obj->m_placedNodes;
+    Append(m_placed, obj);
+}
+
+void CAvoidContainer::AppendUnplaced(CAvoidObject* obj) {
+    ++obj->m_unplacedNodes;
+    Append(m_unplaced, obj);
 }
 
 void CAvoidContainer::Append(std::list<CAvoidObject*>& list, CAvoidObject* obj) {
@@ -42,24 +58,37 @@ CAvoidObject* CAvoidContainer::NewObject() {
 void CAvoidContainer::Recycle(CAvoidObject* obj) {
     if (obj == nullptr) return;
     std::list<CAvoidObject*>* list;
+    uint32_t* nodes;
     switch (obj->PlacedState()) {
         case CAvoidObject::kNotAdded:
             m_pool.push(obj);
             return;
         case CAvoidObject::kPlaced:
             list = &m_placed;
+            nodes = &obj->m_placedNodes;
             break;
         case CAvoidObject::kNotPlaced:
             list = &m_unplaced;
+            nodes = &obj->m_unplacedNodes;
             break;
         default:
             return;
     }
-    size_t position = 0;
-    auto it = list->begin();
-    for (; it != list->end() && *it != obj; ++it)
-        ++position;
-    if (it == list->end()) return;
+    if (*nodes == 0) return;
+    std::list<CAvoidObject*>::iterator it;
+    size_t position;
+    if (*nodes == 1) {
+        // The only node, most often the last one; it may stand in another container.
+        const auto last = std::find(list->rbegin(), list->rend(), obj);
+        if (last == list->rend()) return;
+        it = std::prev(last.base());
+        position = list->size() - 1 - static_cast<size_t>(std::distance(list->rbegin(), last));
+    } else {
+        it = std::find(list->begin(), list->end(), obj);
+        if (it == list->end()) return;
+        position = static_cast<size_t>(std::distance(list->begin(), it));
+    }
+    --*nodes;
     m_spareNodes.splice(m_spareNodes.end(), *list, it);
     m_pool.push(obj);
     if (list == &m_placed) Released(obj, position);
@@ -105,8 +134,8 @@ bool CPriorityAvoidContainer::Add(CAvoidObject* obj, bool force) {
         }
     }
     obj->OffsetIterator(offsets.begin());
-    Append(m_unplaced, obj);
-    m_rejections.push_back({obj, m_placed.size()});
+    AppendUnplaced(obj);
+    m_rejections.push_back({obj, PlacedObjects().size()});
     return true;
 }
 
@@ -117,18 +146,22 @@ void CPriorityAvoidContainer::Reset() {
     ++m_placedChanges;
 }
 
-void CPriorityAvoidContainer::Released(CAvoidObject*, size_t position) {
-    m_index.MarkStale();
-    // Those rejected after it no longer count it among the objects placed before them.
-    for (Rejection& r : m_rejections) {
-        if (r.placedBefore > position) --r.placedBefore;
+void CPriorityAvoidContainer::Released(CAvoidObject* obj, size_t position) {
+    // Still placed through another node: its entry must stay, and only a refiling tells which.
+    if (StillPlaced(obj) || !m_index.RemoveLast(obj)) m_index.MarkStale();
+    // Those rejected after it no longer count it among the objects placed before them. The
+    // counts never decrease along the rejections, so those are the last ones: recycling the
+    // object placed last touches only the rejections since.
+    for (auto r = m_rejections.rbegin(); r != m_rejections.rend() && r->placedBefore > position;
+         ++r) {
+        --r->placedBefore;
     }
     ++m_placedChanges;
 }
 
 void CPriorityAvoidContainer::Place(CAvoidObject* obj) {
     obj->PlacedState(CAvoidObject::kPlaced);
-    Append(m_placed, obj);
+    AppendPlaced(obj);
     m_index.Insert(obj);
 }
 
@@ -136,14 +169,14 @@ void CPriorityAvoidContainer::SyncIndex() {
     if (!m_index.Stale()) return;
     ++m_placedChanges;
     m_index.Clear();
-    for (CAvoidObject* placed : m_placed)
+    for (CAvoidObject* placed : PlacedObjects())
         m_index.Insert(placed);
 }
 
 void CPriorityAvoidContainer::IntersectBox(CAvoidObject* obj,
                                            std::vector<CAvoidObject*>& candidates) {
     const Box extent = obj->MaxExtent();
-    for (CAvoidObject* placed : m_placed) {
+    for (CAvoidObject* placed : PlacedObjects()) {
         if (extent.IsIntersect(placed->MaxExtent())) candidates.push_back(placed);
     }
 }
@@ -208,12 +241,13 @@ void CPriorityAvoidContainer::FileForBlockers() {
     // A placed object that moved or changed its footprint makes the index stale.
     SyncIndex();
     // Recycle takes rejected objects off the unplaced list without telling; a rejection adds one.
-    const Filing now{m_placedChanges, m_placed.size(), m_unplaced.size(), m_rejections.size()};
+    const Filing now{m_placedChanges, PlacedObjects().size(), UnplacedObjects().size(),
+                     m_rejections.size()};
     if (m_blockersFiled == now) return;
     m_blockersFiled = now;
-    m_blockersOrder.assign(m_placed.begin(), m_placed.end());
+    m_blockersOrder.assign(PlacedObjects().begin(), PlacedObjects().end());
     m_blockersLimit.clear();
-    for (const CAvoidObject* unplaced : m_unplaced)
+    for (const CAvoidObject* unplaced : UnplacedObjects())
         m_blockersLimit.emplace(unplaced, 0);
     for (const Rejection& r : m_rejections) {
         const auto it = m_blockersLimit.find(r.obj);

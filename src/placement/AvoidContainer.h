@@ -66,14 +66,22 @@ protected:
         (void)obj;
         (void)position;
     }
-    // Appends obj at the back of list (m_placed or m_unplaced) in a node that Reset or Recycle
-    // freed, so that a pass of a reused container allocates no list nodes.
-    void Append(std::list<CAvoidObject*>& list, CAvoidObject* obj);
-
-    std::list<CAvoidObject*> m_placed;
-    std::list<CAvoidObject*> m_unplaced;
+    // Appends obj at the back of the placed or the unplaced list in a node that Reset or Recycle
+    // freed, so that a pass of a reused container allocates no list nodes. The lists change only
+    // through these, Recycle and Reset.
+    void AppendPlaced(CAvoidObject* obj);
+    void AppendUnplaced(CAvoidObject* obj);
+    // Whether some node of a container's placed list still holds obj.
+    static bool StillPlaced(const CAvoidObject* obj) { return obj->m_placedNodes > 0; }
 
 private:
+    void Append(std::list<CAvoidObject*>& list, CAvoidObject* obj);
+
+    // Each object counts the nodes that hold it: Recycle finds an object held by one node by
+    // searching from the back, where the objects added last stand, and only an object held by
+    // several nodes costs a search from the front.
+    std::list<CAvoidObject*> m_placed;
+    std::list<CAvoidObject*> m_unplaced;
     CDT m_dt;
     // Nodes taken off the lists, for Append; their values mean nothing.
     std::list<CAvoidObject*> m_spareNodes;
@@ -82,10 +90,12 @@ private:
 // Greedy placement in the order of adding: an earlier object always wins.
 //
 // Placed objects are filed in an index by where their footprints stand. The index never outlives
-// its view of an object: Reset empties it, and a placed object taken back by Recycle, or one whose
-// footprint or offset changes through its own operations, makes it stale, so that it is rebuilt
-// from the placed list before it is next asked. Answers are those of a scan over the placed list
-// in every case.
+// its view of an object: Reset empties it; a placed object taken back by Recycle is taken out of
+// it when it was the last filed and stands in the placed list once (a pass that recycles the dot
+// of a name that found no room); any other placed object taken back, or one whose footprint or
+// offset changes through its own operations, makes it stale, so that it is rebuilt from the
+// placed list before it is next asked. Answers are those of a scan over the placed list in every
+// case.
 class KXAC_API CPriorityAvoidContainer : public CAvoidContainer {
 public:
     ~CPriorityAvoidContainer() override;

@@ -2,6 +2,7 @@
 // candidate offsets, its identity and its placed state, with the footprint collision tests.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
@@ -225,6 +226,10 @@ public:
     // The signal this object raises on every change of its footprint or offset, from now on
     // (null: none). An index that files the object sets it.
     void Watch(std::shared_ptr<kxac::ChangeSignal> signal) { m_watch = std::move(signal); }
+    // Stops raising signal, if this object raises it.
+    void Unwatch(const kxac::ChangeSignal& signal) {
+        if (m_watch.get() == &signal) m_watch.reset();
+    }
 
 private:
     bool HoldsRectangle() const { return m_rectangleTop <= m_rectangleBottom; }
@@ -277,4 +282,10 @@ private:
     std::unique_ptr<std::string> m_stringId;
     int m_state = kNotAdded;
     std::shared_ptr<kxac::ChangeSignal> m_watch;
+
+    // The nodes of the containers' placed and unplaced lists that hold this object, kept by the
+    // containers: Recycle searches once from the back for an object that only one node holds.
+    friend class CAvoidContainer;
+    uint32_t m_placedNodes = 0;
+    uint32_t m_unplacedNodes = 0;
 };

@@ -59,8 +59,11 @@ void Occupancy::Set(long long top, long long bottom, long long first, long long 
         for (long long w = w0; w <= w1; ++w) {
             const uint64_t mask = Mask(w == w0 ? first & 63 : 0, w == w1 ? last & 63 : 63);
             uint64_t* block = Make(Key(w, br));
-            for (long long r = r0; r <= r1; ++r)
+            for (long long r = r0; r <= r1; ++r) {
+                if ((block[r] | mask) == block[r]) continue;
+                m_changes.push_back({&block[r], block[r]});
                 block[r] |= mask;
+            }
         }
     }
 }
@@ -84,7 +87,15 @@ bool Occupancy::Any(long long top, long long bottom, long long first, long long 
     return false;
 }
 
+void Occupancy::Rollback() {
+    // Latest first: a word changed twice gets its first value back.
+    for (auto it = m_changes.rbegin(); it != m_changes.rend(); ++it)
+        *it->word = it->was;
+    m_changes.clear();
+}
+
 void Occupancy::Clear() {
+    m_changes.clear();
     if (m_flat) {
         for (uint64_t key : m_keys)
             m_directory[key] = 0;

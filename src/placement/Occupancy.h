@@ -8,6 +8,9 @@
 // kMaxFlatBlocks blocks (a canvas of 65,536 x 65,536 cells), beyond which it is a hash map of the
 // blocks in use. Clearing touches only the blocks in use, and keeps their memory for the next
 // pass.
+//
+// The words that Set changes since the last Checkpoint are kept with their former values, so the
+// last object drawn can be taken out again exactly, even where it overlaps others.
 #pragma once
 
 #include <cassert>
@@ -44,6 +47,11 @@ public:
     bool Any(long long top, long long bottom, long long first, long long last) const;
     // Frees every cell.
     void Clear();
+    // Forgets the changes made so far: Rollback undoes only those made from now on.
+    void Checkpoint() { m_changes.clear(); }
+    // Gives every word changed since the last Checkpoint (or Clear) its value from then. Blocks
+    // made since stay in use, empty.
+    void Rollback();
     // Blocks in use.
     size_t Blocks() const { return m_keys.size(); }
 
@@ -85,6 +93,12 @@ private:
     // Block storage in chunks that never move; blocks 0 .. m_keys.size() - 1 are in use.
     std::vector<std::unique_ptr<uint64_t[]>> m_chunks;
     std::vector<uint64_t> m_keys;
+    // The words changed since the last Checkpoint, each with its value before the change.
+    struct Change {
+        uint64_t* word;
+        uint64_t was;
+    };
+    std::vector<Change> m_changes;
 };
 
 }  // namespace kxac

@@ -78,6 +78,7 @@ void CPlacedIndex::Clear() {
         m_signal->raised = false;
     }
     m_filed = false;
+    m_last = LastInsert();
     m_entries.clear();
     m_runs.clear();
     m_large.clear();
@@ -156,10 +157,20 @@ bool CPlacedIndex::CopyRows(const CAvoidObject& obj, Entry& e) {
     return true;
 }
 
+CPlacedIndex::Bucket& CPlacedIndex::At(long long col, long long row) {
+    if (col >= 0 && col < m_columns && row >= 0 && row < m_rows) {
+        return m_grid[static_cast<size_t>(row * m_columns + col)];
+    }
+    return m_far.find(BucketKey(col, row))->second;
+}
+
 void CPlacedIndex::Insert(CAvoidObject* obj) {
     obj->Watch(m_signal);
     m_filed = true;
+    m_last = LastInsert{obj, false, false, m_runs.size(), m_used.size()};
+    m_occupancy.Checkpoint();
     if (!obj->IsValid()) return;
+    m_last.filed = true;
     Box bounds;
     if (!BoundsOf(*obj, bounds)) bounds = kEverywhere;
     Entry entry{bounds, obj->MaxExtent(), obj, obj->Offset(), 0, 0, 0, false, false};
@@ -176,12 +187,45 @@ void CPlacedIndex::Insert(CAvoidObject* obj) {
     m_entries.push_back(entry);
     if (bounds == kEverywhere || BucketCount(bounds) > kMaxBuckets) {
         m_large.push_back(number);
+        m_last.large = true;
         return;
     }
     for (long long row = BucketOf(bounds.top); row <= BucketOf(bounds.bottom); ++row) {
         for (long long col = BucketOf(bounds.left); col <= BucketOf(bounds.right); ++col)
             Make(col, row).push_back({bounds, number});
     }
+}
+
+bool CPlacedIndex::RemoveLast(CAvoidObject* obj) {
+    if (obj == nullptr || obj != m_last.obj || Stale()) return false;
+    const LastInsert last = m_last;
+    m_last = LastInsert();
+    obj->Unwatch(*m_signal);
+    if (!last.filed) return true;
+    const Entry e = m_entries.back();
+    m_entries.pop_back();
+    if (e.drawn) {
+        m_drawn.pop_back();
+        m_occupancy.Rollback();
+        return true;
+    }
+    m_runs.resize(last.runs);
+    if (last.large) {
+        m_large.pop_back();
+        return true;
+    }
+    // The entry's slot is the last of each of its buckets.
+    for (long long row = BucketOf(e.bounds.top); row <= BucketOf(e.bounds.bottom); ++row) {
+        for (long long col = BucketOf(e.bounds.left); col <= BucketOf(e.bounds.right); ++col) {
+            Bucket& bucket = At(col, row);
+            bucket.pop_back();
+            const bool onGrid = col >= 0 && col < m_columns && row >= 0 && row < m_rows;
+            if (!onGrid && bucket.empty()) m_far.erase(BucketKey(col, row));
+        }
+    }
+    // The buckets of the array that this entry made used are the last ones listed.
+    m_used.resize(last.used);
+    return true;
 }
 
 bool CPlacedIndex::Collide(const Entry& e, const Query& q) const {

@@ -15,6 +15,10 @@
 // not kept in buckets at all: their cells are drawn into a bitmap of the canvas, and a query of
 // plain runs tests its own cells against the bitmap, a few words per row. Queries of any other
 // kind still meet these objects one by one, by their own footprint test.
+//
+// The last insertion can be taken back (RemoveLast): it keeps how far each store had grown and
+// the bitmap words it changed, so taking back the object placed last costs what filing it cost,
+// with no refiling of the others.
 #pragma once
 
 #include <cstddef>
@@ -45,8 +49,14 @@ public:
     void Cover(long long width, long long height);
     // Files a placed object at its current offset; objects that are not valid never collide
     // and are not kept in buckets. Every inserted object raises this index's change signal
-    // until Clear(). obj must stay alive until then, or until the index is stale.
+    // until Clear() or until RemoveLast takes it back. obj must stay alive until then, or until
+    // the index is stale.
     void Insert(CAvoidObject* obj);
+    // Takes back the last Insert when it filed obj, no Clear or RemoveLast came since and the
+    // index is not stale: the index is then as if obj had never been inserted, and obj no longer
+    // raises its signal. The caller must know that obj was inserted only once since the last
+    // Clear. False, changing nothing, in every other case.
+    bool RemoveLast(CAvoidObject* obj);
     // Whether some filed object meets obj's MaxExtent and, as the receiver, collides with obj at
     // its current offset.
     bool Collides(CAvoidObject* obj);
@@ -104,6 +114,18 @@ private:
     Bucket& Make(long long col, long long row);
     void ApplyCover();
 
+    // What the last Insert added, for RemoveLast; obj is null when there is nothing to take back.
+    struct LastInsert {
+        CAvoidObject* obj = nullptr;
+        bool filed = false;  // an entry was made (the object was valid)
+        bool large = false;  // in m_large rather than in buckets
+        size_t runs = 0;     // sizes of m_runs and m_used before
+        size_t used = 0;
+    };
+    // The bucket of the given bucket column and row, which must exist.
+    Bucket& At(long long col, long long row);
+
+    LastInsert m_last;
     // Every valid object, once: asked by queries without bounds.
     std::vector<Entry> m_entries;
     // The rows copied for the quick entries.

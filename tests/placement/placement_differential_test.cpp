@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -25,12 +26,13 @@ struct Generator {
     int resizes;    // percent of steps that change the canvas, also while objects are placed
     int lifetime;   // percent of steps that recycle, delete, change placed objects
     int passSteps;  // steps between two Resets of the pass
+    int undo;       // percent of adds after which the object placed last is recycled
 };
 
 const Generator kGenerators[] = {
-    {"DenseMixed", 120, 0, 10, 0, 0, 60},   {"FarAndRawRuns", 60, 15, 60, 0, 0, 40},
-    {"CanvasChanges", 200, 1, 5, 4, 6, 60}, {"Lifetime", 96, 1, 10, 0, 45, 120},
-    {"Everything", 150, 3, 25, 3, 30, 80},
+    {"DenseMixed", 120, 0, 10, 0, 0, 60, 0},   {"FarAndRawRuns", 60, 15, 60, 0, 0, 40, 0},
+    {"CanvasChanges", 200, 1, 5, 4, 6, 60, 0}, {"Lifetime", 96, 1, 10, 0, 45, 120, 0},
+    {"Everything", 150, 3, 25, 3, 30, 80, 0},  {"RecycleLastPlaced", 120, 2, 20, 2, 0, 150, 35},
 };
 
 struct Pair {
@@ -171,6 +173,20 @@ private:
         ASSERT_EQ(p.fast->Offset(), p.slow->Offset());
         (p.fast->PlacedState() == CAvoidObject::kPlaced ? placed : rejected)++;
         m_listed.push_back(p);
+        if (p.fast->PlacedState() == CAvoidObject::kPlaced) m_lastPlaced = p;
+        if (Chance(m_g.undo)) UndoLastPlaced();
+    }
+
+    // As a pass recycles a dot whose name was rejected: the object placed last goes back to the
+    // pool, forced or not, added once or twice, though objects added or rejected may follow it.
+    void UndoLastPlaced() {
+        const auto last = std::find_if(m_listed.rbegin(), m_listed.rend(),
+                                       [&](const Pair& q) { return q.fast == m_lastPlaced.fast; });
+        if (last == m_listed.rend()) return;
+        Both(*last);
+        m_pooledListed.push_back(*last);
+        m_listed.erase(std::prev(last.base()));
+        m_lastPlaced = Pair{};
     }
 
     void Both(const Pair& p) {
@@ -201,6 +217,7 @@ private:
     }
 
     void Reset() {
+        m_lastPlaced = Pair{};
         m_fast.Reset();
         m_slow.Reset();
         m_pooledListed.insert(m_pooledListed.end(), m_listed.begin(), m_listed.end());
@@ -215,6 +232,8 @@ private:
     reference::PriorityContainer m_slow;
     // Held by the caller; in a list; given back to the pool from a list (state still 1 or 2).
     std::vector<Pair> m_held, m_listed, m_pooledListed;
+    // The object placed last, while it may still be listed.
+    Pair m_lastPlaced{};
 };
 
 class PlacementDifferential : public testing::TestWithParam<Generator> {};

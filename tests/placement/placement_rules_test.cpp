@@ -51,6 +51,9 @@ const Script kScripts[] = {
      "||a0(0,0) b0(0,0) c0(0,0) d0(0,0)"},
     {"ReusedObjectDrawsOnlyItsNewShape", "+g Fg X. =gb Pb", "b||b1(0,0) g1(0,0)"},
     {"RecycleTakesTheFirstNodeByState", "+a +d Pa Fa Pd Rd Ra", "a||a1(0,0) d2(0,0)"},
+    // k placed twice and recycled once is still filed and watched: reused as b, it blocks as b.
+    {"ObjectPlacedTwiceRecycledOnceStaysWatched", "+k Fk Fk Rk =kb +f Pf",
+     "bf||b0(0,0) f1(0,0) k0(0,0)"},
     {"RecycleOfAnObjectInNoListDoesNothing", "+a Pa Ra Ra =a Nb", "||a0(0,0) b0(0,0)"},
     {"RecycleIgnoresOtherStates", "+a Sa Ra Nb", "||a7(0,0) b0(0,0)"},
     {"DestroyDeletesAnObjectPooledTwiceOnce", "+a +b Ra Ra Pb D. +c", "||c0(0,0)"},

@@ -36,7 +36,7 @@ bool PriorityContainer::Add(CAvoidObject* obj, bool force) {
                             [&](CAvoidObject* placed) { return Intersect(*placed, *obj); });
     }
     if (!free) obj->OffsetIterator(offsets.begin());
-    (free ? m_placed : m_unplaced).push_back(obj);
+    free ? AppendPlaced(obj) : AppendUnplaced(obj);
     if (free) obj->PlacedState(CAvoidObject::kPlaced);
     return true;
 }
