@@ -159,6 +159,8 @@ public final class LabelPass {
             List<AvoidObject> rejectedLabel = new ArrayList<>();
             List<int[]> rejectedOrder = new ArrayList<>();
             List<Integer> rejectedIndex = new ArrayList<>();
+            List<AvoidObject> blockedDot = new ArrayList<>();
+            List<Integer> blockedDotIndex = new ArrayList<>();
             int placed = 0;
             int rejected = 0;
             int dotsOnLines = 0;
@@ -180,7 +182,8 @@ public final class LabelPass {
                     looseDot = loose.newObject().addRing(ring);
                     if (!looseDot.add()) {
                         chosen[i] = DOT_BLOCKED;
-                        stories[i].dotBlocker = describe(looseDot.blockers().get(0));
+                        blockedDot.add(looseDot);
+                        blockedDotIndex.add(i);
                         continue;
                     }
                     stories[i].dotOnLine = true;
@@ -250,7 +253,12 @@ public final class LabelPass {
                         + " placed objects, the loose one " + loosePlaced + " and " + obstacles
                         + " lines");
             }
-            // Asked once the pass is over: a label's blockers are objects placed before it.
+            // Asked once the pass is over, when the placed objects are filed for the question
+            // once: the blockers of a dot or a label are objects placed before it.
+            for (int j = 0; j < blockedDot.size(); j++) {
+                stories[blockedDotIndex.get(j)].dotBlocker =
+                        describe(blockedDot.get(j).blockers().get(0));
+            }
             for (int j = 0; j < rejectedLabel.size(); j++) {
                 List<AvoidObject> blockers = rejectedLabel.get(j).blockers();
                 int[] order = rejectedOrder.get(j);
