@@ -52,7 +52,9 @@ struct FakeJvm {
         table.ReleaseIntArrayElements = &Release<jint, jintArray, &FakeArray::ints>;
         table.ReleaseDoubleArrayElements = &Release<jdouble, jdoubleArray, &FakeArray::doubles>;
         table.ReleaseLongArrayElements = &Release<jlong, jlongArray, &FakeArray::longs>;
-        table.NewIntArray = [](JNIEnv* e, jsize n) { return Of(e).Ints("new", std::vector<jint>(n, 0)); };
+        table.NewIntArray = [](JNIEnv* e, jsize n) {
+            return Of(e).Ints("new", std::vector<jint>(n, 0));
+        };
         table.NewLongArray = [](JNIEnv* e, jsize n) {
             return Of(e).Array<jlongArray>({"new", {}, {}, std::vector<jlong>(n)});
         };

@@ -64,13 +64,27 @@ class NativeLibraryTest {
                 () -> NativeLibrary.currentPlatform() + " not in " + NativeLibrary.carriedPlatforms());
     }
 
+    /** Loads the library in a child JVM that reports another processor. */
+    public static final class LoadInChild {
+        public static void main(String[] args) {
+            NativeLibrary.load();
+        }
+    }
+
     @Test
-    void missingLibraryMessageNamesPlatformCarriedOnesAndProperty() {
-        String message = NativeLibrary.missingLibraryMessage(
-                "linux-riscv64", List.of("linux-x86_64", "macos-aarch64"));
-        for (String part : List.of("linux-riscv64", "linux-x86_64, macos-aarch64",
-                     "-Dkxac.library.path=", "libKXAvoidContainer.so")) {
-            assertTrue(message.contains(part), () -> "'" + part + "' not in: " + message);
+    void aPlatformTheJarLacksFailsNamingItTheCarriedOnesAndTheProperty(@TempDir Path empty)
+            throws Exception {
+        Process child = new ProcessBuilder(
+                Path.of(System.getProperty("java.home"), "bin", "java").toString(),
+                "-Dos.arch=riscv64", "-Djava.library.path=" + empty,
+                "-cp", System.getProperty("java.class.path"), LoadInChild.class.getName())
+                .redirectErrorStream(true).start();
+        String output = new String(child.getInputStream().readAllBytes(), StandardCharsets.UTF_8);
+        assertEquals(1, child.waitFor(), output);
+        String carried = String.join(", ", NativeLibrary.carriedPlatforms());
+        for (String part : List.of("UnsatisfiedLinkError", "platform linux-riscv64",
+                     "carries " + carried, "-Dkxac.library.path=")) {
+            assertTrue(output.contains(part), () -> "'" + part + "' not in: " + output);
         }
     }
 
