@@ -28,6 +28,13 @@ if(DEFINED KXAC_TARGET_EMULATOR)
     set(CMAKE_CROSSCOMPILING_EMULATOR ${KXAC_TARGET_EMULATOR})
 endif()
 
+# A dylib is named @rpath/<file> even in the build tree: CMake, which cannot ask a Mac here for
+# its version, would take it for one without rpaths and name the library by its build path.
+if(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
+    set(CMAKE_INSTALL_NAME_DIR "@rpath")
+    set(CMAKE_BUILD_WITH_INSTALL_NAME_DIR ON)
+endif()
+
 # Nothing of the build machine is searched for the target's libraries and headers; programs
 # (javac, sh) are the build machine's.
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

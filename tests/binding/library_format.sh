@@ -1,6 +1,6 @@
 #!/bin/sh
-# Checks that a shared library is built for a platform: object format and processor, and the C
-# library it needs (musl or glibc) on Linux.
+# Checks that a shared library is built for a platform: object format and processor, the C
+# library it needs (musl or glibc) on Linux, an @rpath install name on macOS.
 #   library_format.sh LIBRARY PLATFORM     PLATFORM as the jar names it, e.g. linux-aarch64-musl
 set -eu
 
@@ -32,6 +32,16 @@ case "$platform" in
             *-musl:*) echo "$lib needs [$needed]: no musl libc.so" >&2; exit 1 ;;
             *:*libc.so.6*) ;;
             *) echo "$lib needs [$needed]: no glibc libc.so.6" >&2; exit 1 ;;
+        esac
+        ;;
+esac
+# A dylib is named relative to the rpath of what loads it, never by a path of the build machine.
+case "$platform" in
+    macos-*)
+        id=$(llvm-objdump --macho --dylib-id "$lib" | sed -n '2p')
+        case "$id" in
+            @rpath/*) ;;
+            *) echo "$lib has the install name '$id', not @rpath/..." >&2; exit 1 ;;
         esac
         ;;
 esac
