@@ -17,6 +17,8 @@ for job in "$@"; do
             need_pkg libgtest-dev
             # the Java binding is compiled into the library: it needs the JDK's JNI headers
             need_cmd javac openjdk-17-jdk-headless
+            # the export checks read the library with LLVM's tools (any of ELF, PE, Mach-O)
+            need_cmd llvm-readobj llvm
             ;;
         java) need_cmd javac openjdk-17-jdk-headless; need_cmd mvn maven ;;
         demo) need_cmd javac openjdk-17-jdk-headless; need_cmd mvn maven; need_pkg fonts-dejavu-core ;;
@@ -31,7 +33,6 @@ for job in "$@"; do
             need_pkg googletest
             need_cmd qemu-aarch64 qemu-user
             [ -x /usr/lib/wine/wine64 ] || need_cmd wine64 wine64
-            need_cmd llvm-readobj llvm
             need_cmd unzip unzip
             ;;
         # universalmutator is installed from PyPI into a virtual environment of the build tree
