@@ -5,6 +5,7 @@
 #   make natives  the library of every platform, in $(BUILD)/natives/<platform>/
 #   make demo   labels a map of Europe from data/ through the library, writes out/demo.png
 #   make demo-streets  a street map of central Helsinki with names along the streets
+#   make demo-tiles    one pass over a zoom level's window cut into tiles: out/tiles.png
 #   make bench  the benchmark suite, results in out/bench/
 #   make mutate mutation testing of src/ against the unit tests (never part of test)
 
@@ -15,7 +16,7 @@ FUZZ_SECONDS ?= 600
 # Time budget of the straightforward pass in the placement comparison, in seconds.
 COMPARE_SECONDS ?= 30
 
-.PHONY: test test-native test-asan test-fuzz test-java test-cross deps-build deps-java deps-cross native asan fuzz-build bench fuzz format clean demo demo-streets java-package mutate natives jar
+.PHONY: test test-native test-asan test-fuzz test-java test-cross deps-build deps-java deps-cross native asan fuzz-build bench fuzz format clean demo demo-streets demo-tiles java-package mutate natives jar
 
 # ccache, when it is installed, keeps compiled objects across build trees and worktrees.
 CCACHE := $(shell command -v ccache 2>/dev/null)
@@ -99,7 +100,7 @@ test-cross: natives
 	@passed=0; failed=0; for p in $(PLATFORMS); do \
 		lib=$$(ls $(NATIVES)/$$p/*); echo "== $$p: $$(basename $$lib), $$(wc -c < $$lib) bytes"; \
 		for check in "library_format.sh $$lib $$p" "exported_api.sh $$lib" \
-			"exported_java_symbols.sh $$lib $(JAVA_SOURCE_DIR)/CAvoidContainerWrap.java"; do \
+			"exported_java_symbols.sh $$lib $(JAVA_SOURCE_DIR)/CAvoidContainerWrap.java $(JAVA_SOURCE_DIR)/AvoidNatives.java"; do \
 			if sh tests/binding/$$check; then passed=$$((passed + 1)); \
 			else failed=$$((failed + 1)); echo "FAILED: $$check"; fi; \
 		done; \
@@ -161,6 +162,13 @@ STREETS_ARGS ?=
 demo-streets: java-package
 	java -cp "$(DEMO_CP)" com.tavrint.demo.StreetsDemo $(STREETS_ARGS)
 
+# Places the cities once over a window of a web Mercator zoom level, cuts the outcome into
+# 256-pixel tiles: writes out/tiles.png (a mosaic of tiles, each drawn from its own list) and
+# out/tiles-labels.tsv (the cities of every tile). Options in TILES_ARGS.
+TILES_ARGS ?=
+demo-tiles: java-package
+	java -cp "$(DEMO_CP)" com.tavrint.demo.TilesDemo $(TILES_ARGS)
+
 # Google Benchmark suite (its own optimised build tree), then whole passes through JNI, then the
 # library beside an occupancy-bitmap placer and the C++ pass beside the JNI pass; each prints a
 # table and writes it to out/bench/ (JSON or markdown).
@@ -168,7 +176,7 @@ bench: deps-build
 	bash .ci/deps.sh bench java
 	cmake -S . -B $(BUILD)/bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DKXAC_BUILD_BENCH=ON \
 		-DKXAC_BUILD_TESTS=OFF
-	cmake --build $(BUILD)/bench --target kxac_bench kxac_placement_compare \
+	cmake --build $(BUILD)/bench --target KXAvoidContainer kxac_bench kxac_placement_compare \
 		kxac_placement_vs_bitmap -j $(JOBS)
 	mkdir -p out/bench
 	$(BUILD)/bench/bench/kxac_bench --benchmark_out=out/bench/native.json \

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
-#include <set>
 
 namespace kxbench {
 namespace {
@@ -12,7 +11,6 @@ constexpr int kWorldWidth = 8192;
 constexpr int kWorldHeight = 4096;
 constexpr int kPieceSpan = 48;
 constexpr int kLineHalfWidth = 1;
-constexpr int kMaxNudge = 8;
 constexpr int kCharWidth = 7;
 constexpr int kLabelMargin = 2;
 constexpr double kCellsPerLabel = 2400.0;
@@ -91,29 +89,21 @@ bool LabelAround(double px, double py, int width, int height, double clearance, 
         {px - diag - width, py - diag - height},
         {px - diag - width, py + diag},
     };
-    std::set<long long> usedDx;
     bool first = true;
     label.offsets.clear();
     for (const auto& corner : corners) {
         const long long left = RoundHalfUp(corner[0]);
         const long long top = RoundHalfUp(corner[1]);
-        if (top < 0 || top + height > canvasHeight) continue;
-        for (int k = 0; k <= 2 * kMaxNudge; ++k) {
-            const int nudge = (k % 2 == 1) ? (k + 1) / 2 : -(k / 2);
-            const long long l = left + nudge;
-            if (l < 0 || l + width > canvasWidth) continue;
-            const long long dx = first ? 0 : l - label.box.left;
-            if (!usedDx.insert(dx).second) continue;
-            if (first) {
-                label.box =
-                    Box(static_cast<int>(l), static_cast<int>(top), static_cast<int>(l) + width - 1,
-                        static_cast<int>(top) + height - 1);
-                first = false;
-            } else {
-                label.offsets.emplace_back(static_cast<int>(dx),
-                                           static_cast<int>(top - label.box.top));
-            }
-            break;
+        if (top < 0 || top + height > canvasHeight || left < 0 || left + width > canvasWidth) {
+            continue;
+        }
+        if (first) {
+            label.box = Box(static_cast<int>(left), static_cast<int>(top),
+                            static_cast<int>(left) + width - 1, static_cast<int>(top) + height - 1);
+            first = false;
+        } else {
+            label.offsets.emplace_back(static_cast<int>(left - label.box.left),
+                                       static_cast<int>(top - label.box.top));
         }
     }
     return !first;
@@ -175,14 +165,23 @@ Scene JavaUniformLabels(int n, int64_t seed) {
         const int px = rng.NextInt(side);
         const int py = rng.NextInt(side);
         const int w = 24 + rng.NextInt(73);
-        const int left = px + c;
-        const int top = py - h / 2;
-        const int centred = px - w / 2 - left;
+        // Right of the point, left, above, below; those that fit the canvas.
+        const Location corners[] = {{px + c, py - h / 2},
+                                    {px - c - w, py - h / 2},
+                                    {px - w / 2, py - c - h},
+                                    {px - w / 2 + 1, py + c}};
         Label l;
-        l.box = Box(left, top, left + w - 1, top + h - 1);
-        l.offsets = {Location(-w - 2 * c, 0), Location(centred, py - c - h - top),
-                     Location(centred + 1, py + c - top)};
-        s.labels.push_back(std::move(l));
+        bool first = true;
+        for (const Location& at : corners) {
+            if (at.x < 0 || at.x + w > side || at.y < 0 || at.y + h > side) continue;
+            if (first) {
+                l.box = Box(at.x, at.y, at.x + w - 1, at.y + h - 1);
+                first = false;
+            } else {
+                l.offsets.emplace_back(at.x - l.box.left, at.y - l.box.top);
+            }
+        }
+        if (!first) s.labels.push_back(std::move(l));
     }
     return s;
 }

@@ -18,10 +18,8 @@ constexpr int kCandidateClearance = 4;
 
 // The candidates of a label of width x height cells around the point (px, py) at the given
 // clearance, in the order they are tried: right, left, above, below, upper right, lower right,
-// upper left, lower left. A candidate that does not fit the canvas is dropped, and one whose x
-// offset from the first is already taken is nudged sideways (0, +1, -1, ... up to 8 cells) so
-// that the reported x offset tells the candidates apart. Returns false when none fits; otherwise
-// the label's box is the first candidate and its offsets lead to the others.
+// upper left, lower left. A candidate that does not fit the canvas is dropped. Returns false when
+// none fits; otherwise the label's box is the first candidate and its offsets lead to the others.
 bool LabelAround(double px, double py, int width, int height, double clearance, int canvasWidth,
                  int canvasHeight, Label& label);
 
@@ -35,8 +33,9 @@ Scene WorldCandidateLabels(bool withLines);
 Scene UniformCandidateLabels(int n, int width, int height, uint32_t seed);
 
 // The Java benchmark's uniform workload of n labels: its random points and widths (from the same
-// generator and seed), the box right of the point and three further candidates, on the square
-// canvas that keeps the label density constant.
+// generator and seed), the candidates right of the point, left, above and below that fit the
+// canvas (the first one's box, the others as offsets; a label with none is left out), on the
+// square canvas that keeps the label density constant.
 Scene JavaUniformLabels(int n, int64_t seed);
 
 // Number of cities in the data, as the Java benchmark names its world workload.

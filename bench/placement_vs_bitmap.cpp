@@ -11,8 +11,8 @@
 // Second table (when the Java benchmark's JSON is given): the Java workloads rebuilt here and
 // run through the C++ API with the same steps and the same repetition rule (a warm-up pass, then
 // passes until three and two seconds) and timed, as there, in wall time, beside the JNI figures
-// of the JSON. The passes of one row do not run at the same moment: on a loaded machine the
-// ratio carries the load of both moments.
+// of the JSON: the raw natives and the handle-free Java layer. The passes of one row do not run at
+// the same moment: on a loaded machine the ratio carries the load of both moments.
 //
 // Usage: kxac_placement_vs_bitmap [--java out/bench/java.json] [--quick] [--no-bitmap]
 //   --quick      runs the uniform scenes up to 100k labels only, and fewer repetitions
@@ -239,6 +239,8 @@ struct JavaRow {
     size_t placed = 0;
     int passes = 0;
     double medianSeconds = 0.0;
+    int layerPasses = 0;
+    double layerMedianSeconds = 0.0;  // the handle-free layer; 0 when not measured
 };
 
 double NumberAfter(const std::string& line, const char* key) {
@@ -263,6 +265,8 @@ std::vector<JavaRow> ReadJavaJson(const char* path) {
         r.placed = static_cast<size_t>(NumberAfter(line, "placed"));
         r.passes = static_cast<int>(NumberAfter(line, "passes"));
         r.medianSeconds = NumberAfter(line, "median_seconds");
+        r.layerPasses = static_cast<int>(NumberAfter(line, "layer_passes"));
+        r.layerMedianSeconds = NumberAfter(line, "layer_median_seconds");
         if (r.medianSeconds > 0.0) rows.push_back(r);
     }
     return rows;
@@ -369,14 +373,14 @@ void JniTable(const char* javaJson, const std::vector<JniLine>& lines) {
         return;
     }
     std::printf(
-        "| workload | objects | placed C++ / JNI | C++ objects/s | JNI objects/s | JNI time / C++ "
-        "time | passes C++/JNI |\n");
-    std::printf("|---|---:|---:|---:|---:|---:|---:|\n");
+        "| workload | objects | placed C++ / JNI | C++ objects/s | JNI raw objects/s | JNI layer "
+        "objects/s | raw / C++ time | layer / raw time | passes C++/raw/layer |\n");
+    std::printf("|---|---:|---:|---:|---:|---:|---:|---:|---:|\n");
     for (const JniLine& line : lines) {
         const JavaRow& j = line.java;
         const SceneResult& r = line.cpp;
         if (!r.ok) {
-            std::printf("| %s | failed | | | | | |\n", j.name.c_str());
+            std::printf("| %s | failed | | | | | | | |\n", j.name.c_str());
             continue;
         }
         std::string placed = std::to_string(r.placedLibrary) + " / " + std::to_string(j.placed);
@@ -385,9 +389,17 @@ void JniTable(const char* javaJson, const std::vector<JniLine>& lines) {
         }
         const double cpp = static_cast<double>(r.objects) / r.librarySeconds;
         const double jni = static_cast<double>(j.objects) / j.medianSeconds;
-        std::printf("| %s | %zu | %s | %s | %s | %.2f | %d/%d |\n", j.name.c_str(), j.objects,
-                    placed.c_str(), Rate(cpp).c_str(), Rate(jni).c_str(),
-                    j.medianSeconds / r.librarySeconds, r.libraryPasses, j.passes);
+        std::string layer = "-", ratio = "-";
+        if (j.layerMedianSeconds > 0.0) {
+            layer = Rate(static_cast<double>(j.objects) / j.layerMedianSeconds);
+            char buf[32];
+            std::snprintf(buf, sizeof buf, "%.3f", j.layerMedianSeconds / j.medianSeconds);
+            ratio = buf;
+        }
+        std::printf("| %s | %zu | %s | %s | %s | %s | %.2f | %s | %d/%d/%d |\n", j.name.c_str(),
+                    j.objects, placed.c_str(), Rate(cpp).c_str(), Rate(jni).c_str(), layer.c_str(),
+                    j.medianSeconds / r.librarySeconds, ratio.c_str(), r.libraryPasses, j.passes,
+                    j.layerPasses);
     }
 }
 

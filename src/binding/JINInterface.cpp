@@ -11,48 +11,16 @@
 #include <string>
 #include <vector>
 
+#include "binding/NativeCall.h"
 #include "placement/AvoidContainer.h"
 
 namespace {
 
-CPriorityAvoidContainer* AsContainer(jlong handle) {
-    return reinterpret_cast<CPriorityAvoidContainer*>(static_cast<std::uintptr_t>(handle));
-}
-
-CAvoidObject* AsObject(jlong handle) {
-    return reinterpret_cast<CAvoidObject*>(static_cast<std::uintptr_t>(handle));
-}
-
-jlong HandleOf(const void* p) { return static_cast<jlong>(reinterpret_cast<std::uintptr_t>(p)); }
-
-// Raises a Java error unless one is already pending (a failed JNI call leaves its own).
-void ThrowJava(JNIEnv* env, const char* className, const char* message) {
-    if (env->ExceptionCheck()) return;
-    jclass type = env->FindClass(className);
-    if (type != nullptr) env->ThrowNew(type, message);
-}
-
-template <class R, class Body>
-R Guarded(JNIEnv* env, R failed, Body&& body) noexcept {
-    try {
-        return body();
-    } catch (const std::bad_alloc&) {
-        ThrowJava(env, "java/lang/OutOfMemoryError", "libKXAvoidContainer: out of native memory");
-    } catch (const std::exception& e) {
-        ThrowJava(env, "java/lang/RuntimeException", e.what());
-    } catch (...) {
-        ThrowJava(env, "java/lang/RuntimeException", "libKXAvoidContainer: native failure");
-    }
-    return failed;
-}
-
-template <class Body>
-void GuardedVoid(JNIEnv* env, Body&& body) noexcept {
-    Guarded(env, 0, [&] {
-        body();
-        return 0;
-    });
-}
+using kxac::binding::AsContainer;
+using kxac::binding::AsObject;
+using kxac::binding::Guarded;
+using kxac::binding::GuardedVoid;
+using kxac::binding::HandleOf;
 
 // The objects of a result list as a new long[], front to back; null for an empty list, and null
 // (with the virtual machine's error pending) when the array cannot be made.

@@ -191,3 +191,31 @@ Java_com_tavrint_core_util_index_grid_CAvoidContainerWrap_AvoidObject_1AddOffset
                                                                                  jlong obj, jint x,
                                                                                  jint y);
 }
+
+// The natives of the package-private Java class com.tavrint.core.util.index.grid.AvoidNatives:
+// what the handle-free Java layer needs beyond the natives above, each one call into the library.
+extern "C" {
+// Hands out an object as CreateAvoidObject does, with its string ID emptied (a pooled object
+// keeps the one of its previous use). 0 for the null handle.
+JNIEXPORT jlong JNICALL Java_com_tavrint_core_util_index_grid_AvoidNatives_newObject(JNIEnv*,
+                                                                                     jclass,
+                                                                                     jlong c);
+// Adds the cells left..right by top..bottom (inclusive) as the ring on their outer corners.
+JNIEXPORT void JNICALL Java_com_tavrint_core_util_index_grid_AvoidNatives_addRect(
+    JNIEnv*, jclass, jlong obj, jint left, jint top, jint right, jint bottom);
+// Adds the object (placed or rejected, or forced) and returns its placed state; 0 for a null
+// handle.
+JNIEXPORT jint JNICALL Java_com_tavrint_core_util_index_grid_AvoidNatives_add(JNIEnv*, jclass,
+                                                                              jlong c, jlong obj,
+                                                                              jboolean force);
+// The current offset, x in the high 32 bits and y in the low 32 bits; 0 for the null handle.
+JNIEXPORT jlong JNICALL Java_com_tavrint_core_util_index_grid_AvoidNatives_offset(JNIEnv*, jclass,
+                                                                                  jlong obj);
+// The position of the current offset among the object's offsets, 0 for the (0, 0) it starts
+// with; the number of offsets when the position lies past them; -1 for the null handle.
+JNIEXPORT jint JNICALL Java_com_tavrint_core_util_index_grid_AvoidNatives_candidate(JNIEnv*, jclass,
+                                                                                    jlong obj);
+// The library's version, "major.minor.patch".
+JNIEXPORT jstring JNICALL Java_com_tavrint_core_util_index_grid_AvoidNatives_libraryVersion(JNIEnv*,
+                                                                                            jclass);
+}

@@ -98,6 +98,8 @@ public:
         Changed();
         return m_offsets;
     }
+    // The offsets, to read: no change is signalled.
+    const std::vector<Location>& Offsets() const { return m_offsets; }
     // The current position is kept as an index, so appending offsets never invalidates it. A
     // position past the end of the offsets reads as end().
     std::vector<Location>::iterator OffsetIterator();

@@ -97,4 +97,14 @@ public final class GeoData {
     private static IOException malformed(int lineNo, String what) {
         return new IOException("line " + lineNo + ": " + what);
     }
+
+    /** The three files of a world map: cities, borders and coastline. */
+    public record World(List<City> cities, List<Polyline> borders, List<Polyline> coast) {}
+
+    /** Reads the world map's files from dir; a missing one fails with a reason. */
+    public static World readWorld(Path dir) throws IOException {
+        return new World(readCities(DataFiles.require(dir, "cities.tsv")),
+                readPolylines(DataFiles.require(dir, "borders.tsv")),
+                readPolylines(DataFiles.require(dir, "coastline.tsv")));
+    }
 }

@@ -24,9 +24,8 @@ import java.util.List;
  * #CROSSES_LINES_FROM} inhabitants that finds no place clear of the lines may cross one, so that
  * no large city loses its name to a border drawn through its suburbs.
  *
- * <p>The library reports only the x component of the offset at which a label was placed; the
- * candidates of one label have distinct x offsets (see {@link Candidates}), which identifies the
- * candidate.
+ * <p>The candidate a label was placed at is the object's {@link AvoidObject#candidate()}: its
+ * offsets are added in the order of its {@link Candidates}.
  */
 public final class LabelPass {
     /** Outcome of a label with no candidate inside the canvas: the city is left out. */
@@ -170,11 +169,12 @@ public final class LabelPass {
     }
 
     private static int chosenCandidate(AvoidObject label, Candidates cand, int index) {
-        int dx = label.offsetX();
-        int k = cand.indexOfDx(dx);
-        if (k < 0) {
-            throw new IllegalStateException("label " + index + " placed at an x offset " + dx
-                    + " that none of its candidates has");
+        int k = label.candidate();
+        if (k < 0 || k >= cand.size() || label.offsetX() != cand.dx(k)
+                || label.offsetY() != cand.dy(k)) {
+            throw new IllegalStateException("label " + index + " placed at candidate " + k
+                    + ", offset (" + label.offsetX() + ", " + label.offsetY() + "), which is not"
+                    + " one of its " + cand.size() + " candidates");
         }
         return k;
     }

@@ -37,17 +37,7 @@ public final class MapPainter {
         BufferedImage img = new BufferedImage(p.width(), p.height(), BufferedImage.TYPE_INT_RGB);
         Graphics2D g = img.createGraphics();
         try {
-            g.setRenderingHint(RenderingHints.KEY_ANTIALIASING, RenderingHints.VALUE_ANTIALIAS_ON);
-            g.setRenderingHint(
-                    RenderingHints.KEY_TEXT_ANTIALIASING, RenderingHints.VALUE_TEXT_ANTIALIAS_ON);
-            g.setRenderingHint(RenderingHints.KEY_FRACTIONALMETRICS,
-                    RenderingHints.VALUE_FRACTIONALMETRICS_ON);
-            g.setRenderingHint(RenderingHints.KEY_STROKE_CONTROL, RenderingHints.VALUE_STROKE_PURE);
-            g.setColor(SEA);
-            g.fillRect(0, 0, p.width(), p.height());
-            paintLand(g, scene.coastLines());
-            paintLines(g, scene.coastLines(), COAST, 0.9f);
-            paintLines(g, scene.borderLines(), BORDER, 1.3f);
+            paintGround(g, scene);
             List<Label> labels = scene.labels();
             if (showRejected) {
                 for (int i = 0; i < labels.size(); i++) {
@@ -65,6 +55,26 @@ public final class MapPainter {
             g.dispose();
         }
         return img;
+    }
+
+    /**
+     * Sets the rendering hints of the map and draws its ground in canvas pixels: sea, land,
+     * coastline and borders. The transform of g may move the canvas, so that a window of it (a
+     * tile) is drawn the same as on the whole picture.
+     */
+    static void paintGround(Graphics2D g, Scene scene) {
+        g.setRenderingHint(RenderingHints.KEY_ANTIALIASING, RenderingHints.VALUE_ANTIALIAS_ON);
+        g.setRenderingHint(
+                RenderingHints.KEY_TEXT_ANTIALIASING, RenderingHints.VALUE_TEXT_ANTIALIAS_ON);
+        g.setRenderingHint(
+                RenderingHints.KEY_FRACTIONALMETRICS, RenderingHints.VALUE_FRACTIONALMETRICS_ON);
+        g.setRenderingHint(RenderingHints.KEY_STROKE_CONTROL, RenderingHints.VALUE_STROKE_PURE);
+        Projection p = scene.projection();
+        g.setColor(SEA);
+        g.fillRect(0, 0, p.width(), p.height());
+        paintLand(g, scene.coastLines());
+        paintLines(g, scene.coastLines(), COAST, 0.9f);
+        paintLines(g, scene.borderLines(), BORDER, 1.3f);
     }
 
     // Coast rings outline land and lakes alike: even-odd filling sorts them out. The few rings
@@ -93,7 +103,7 @@ public final class MapPainter {
         return path;
     }
 
-    private static void paintDot(Graphics2D g, Label l) {
+    static void paintDot(Graphics2D g, Label l) {
         double r = l.style().dotRadius();
         Ellipse2D dot = new Ellipse2D.Double(l.px() + 0.5 - r, l.py() + 0.5 - r, 2 * r, 2 * r);
         g.setColor(DOT);
@@ -103,7 +113,7 @@ public final class MapPainter {
         g.draw(dot);
     }
 
-    private static void paintLabel(Graphics2D g, Label l, int candidate) {
+    static void paintLabel(Graphics2D g, Label l, int candidate) {
         Shape text = textOutline(l, candidate);
         g.setColor(HALO);
         g.setStroke(new BasicStroke(2f * LabelStyle.HALO + 0.5f, BasicStroke.CAP_ROUND,

@@ -66,7 +66,7 @@ public record Options(int width, int height, double[] window, int cities, int sp
     // Bounds the canvas so that the picture stays within a few hundred megabytes of memory.
     private static final int MAX_SIDE = 10000;
 
-    private static int positive(String name, String v, int max) {
+    static int positive(String name, String v, int max) {
         int n;
         try {
             n = Integer.parseInt(v);
@@ -77,7 +77,7 @@ public record Options(int width, int height, double[] window, int cities, int sp
         return n;
     }
 
-    private static double[] window(String v) {
+    static double[] window(String v) {
         String[] f = v.split(",");
         if (f.length != 4) throw new IllegalArgumentException("--window takes W,S,E,N");
         double[] w = new double[4];

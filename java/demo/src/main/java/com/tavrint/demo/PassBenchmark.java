@@ -1,5 +1,7 @@
 package com.tavrint.demo;
 
+import com.tavrint.core.util.index.grid.AvoidContainer;
+import com.tavrint.core.util.index.grid.AvoidObject;
 import com.tavrint.core.util.index.grid.CAvoidContainerWrap;
 import com.tavrint.demo.GeoData.City;
 import com.tavrint.demo.GeoData.Polyline;
@@ -13,17 +15,21 @@ import java.util.Locale;
 import java.util.Random;
 
 /**
- * Whole placement passes driven through the Java natives, in objects per second. A pass forces
- * its obstacles (stroked lines), then per label creates an object, sets its ID, rasterises its
- * first candidate box as a ring, adds the further candidates and adds it; then it reads both
- * result lists with every object's ID and offset, and resets the container. The time of a pass
- * covers all of that: footprints, placement and reading the results.
+ * Whole placement passes driven through Java, in objects per second, twice: through the raw
+ * natives of {@link CAvoidContainerWrap} and through the handle-free layer ({@link
+ * AvoidContainer}, {@link AvoidObject}). A pass forces its obstacles (stroked lines), then per
+ * label creates an object, sets its ID, adds the cells of its first candidate's rectangle, adds
+ * the further candidates and adds it; then it reads both result lists with every object's ID and
+ * offset, and resets the container. The time of a pass covers all of that: footprints, placement
+ * and reading the results. The two ways run in alternation on one container each, so that both
+ * see the same load of the machine, and must give the same answers.
  *
- * <p>Two workloads: the labels of the native suite's uniform scene (random widths spread over a
- * square canvas that keeps their density constant, from a fixed seed so that runs compare), and
- * the world map: every city of the data as a label with its candidates around the city's point
- * (up to eight, those that fit the canvas), with the borders and the coastline as forced lines,
- * on an equirectangular canvas of 8192 x 4096 pixels.
+ * <p>Three workloads: the labels of the native suite's uniform scene at 10,000 and 1,000,000
+ * labels (random widths spread over a square canvas that keeps their density constant, from a
+ * fixed seed so that runs compare; up to four candidates around each point, those that fit the
+ * canvas), and the world map: every city of the data as a label with its candidates around the
+ * city's point (up to eight, those that fit the canvas), with the borders and the coastline as
+ * forced lines, on an equirectangular canvas of 8192 x 4096 pixels.
  *
  * <p>Usage: PassBenchmark [JSON output file [data folder]]; the data folder defaults to
  * {@code data}.
@@ -33,13 +39,13 @@ public final class PassBenchmark {
     private static final double CELLS_PER_LABEL = 2400.0;
     private static final int LABEL_HEIGHT = 13;
     private static final int CLEARANCE = 4;
-    private static final int[] SIZES = {1000, 4000};
+    private static final int[] SIZES = {10_000, 1_000_000};
     private static final int WORLD_WIDTH = 8192;
     private static final int WORLD_HEIGHT = 4096;
     /** Estimated pixels per character of a city's name, and the label's margin. */
     private static final int CHAR_WIDTH = 7;
     private static final int LABEL_MARGIN = 2;
-    /** Each workload runs passes until this much time has gone, and at least three. */
+    /** Each way runs passes until this much time has gone, and at least three. */
     private static final double MIN_SECONDS = 2.0;
 
     /**
@@ -55,10 +61,19 @@ public final class PassBenchmark {
     }
 
     private record Row(String name, int objects, int placedLabels, int passes, double bestSeconds,
-            double medianSeconds) {
+            double medianSeconds, int layerPasses, double layerMedianSeconds) {
         double objectsPerSecond() {
             return objects / medianSeconds;
         }
+
+        double layerObjectsPerSecond() {
+            return objects / layerMedianSeconds;
+        }
+    }
+
+    /** One way of running a pass: returns its outcome (see {@link #rawPass}). */
+    private interface Pass {
+        long run();
     }
 
     private PassBenchmark() {}
@@ -68,12 +83,14 @@ public final class PassBenchmark {
         List<Row> rows = new ArrayList<>();
         for (int n : SIZES) rows.add(measure(uniformLabels(n, new Random(SEED))));
         rows.add(measure(worldMap(dataDir)));
-        System.out.printf("%-28s %8s %8s %7s %10s %12s %14s%n", "benchmark", "objects", "placed",
-                "passes", "best ms", "median ms", "objects/s");
+        System.out.printf("%-28s %8s %8s %7s %12s %14s %14s %14s %11s%n", "benchmark", "objects",
+                "placed", "passes", "median ms", "raw objects/s", "layer passes",
+                "layer objects/s", "layer/raw");
         for (Row r : rows) {
-            System.out.printf(Locale.ROOT, "%-28s %8d %8d %7d %10.2f %12.2f %14.0f%n", r.name(),
-                    r.objects(), r.placedLabels(), r.passes(), r.bestSeconds() * 1e3,
-                    r.medianSeconds() * 1e3, r.objectsPerSecond());
+            System.out.printf(Locale.ROOT, "%-28s %8d %8d %7d %12.2f %14.0f %14d %14.0f %11.3f%n",
+                    r.name(), r.objects(), r.placedLabels(), r.passes(), r.medianSeconds() * 1e3,
+                    r.objectsPerSecond(), r.layerPasses(), r.layerObjectsPerSecond(),
+                    r.layerMedianSeconds() / r.medianSeconds());
         }
         if (args.length > 0) {
             Path out = Path.of(args[0]).toAbsolutePath();
@@ -85,32 +102,47 @@ public final class PassBenchmark {
 
     private static Row measure(Workload w) {
         long c = CAvoidContainerWrap.CreateAvoidContainer();
-        try {
+        try (AvoidContainer layer = new AvoidContainer()) {
             CAvoidContainerWrap.AvoidContainerExtent(c, new int[] {0, 0, w.width(), w.height()},
                     new double[] {0, 0, w.width(), w.height()});
-            long outcome = runPass(c, w);  // warm-up: JIT, object pool, row storage
-            List<Double> seconds = new ArrayList<>();
-            double total = 0;
-            while (seconds.size() < 3 || total < MIN_SECONDS) {
-                long t0 = System.nanoTime();
-                long again = runPass(c, w);
-                double s = (System.nanoTime() - t0) / 1e9;
-                if (again != outcome) throw new IllegalStateException("passes disagree");
-                seconds.add(s);
-                total += s;
+            layer.setCanvasSize(w.width(), w.height());
+            Pass raw = () -> rawPass(c, w);
+            Pass idiomatic = () -> layerPass(layer, w);
+            long outcome = raw.run(); // warm-up: JIT, object pool, row storage
+            if (idiomatic.run() != outcome) {
+                throw new IllegalStateException(w.name() + ": the layer's answers differ");
             }
-            double[] sorted = seconds.stream().mapToDouble(Double::doubleValue).sorted().toArray();
+            List<Double> rawSeconds = new ArrayList<>();
+            List<Double> layerSeconds = new ArrayList<>();
+            double total = 0;
+            while (rawSeconds.size() < 3 || total < MIN_SECONDS) {
+                total += time(raw, outcome, rawSeconds);
+                time(idiomatic, outcome, layerSeconds);
+            }
+            double[] sorted = rawSeconds.stream().mapToDouble(Double::doubleValue).sorted().toArray();
+            double[] layerSorted =
+                    layerSeconds.stream().mapToDouble(Double::doubleValue).sorted().toArray();
             int placedLabels = (int) (outcome >>> 32) - w.forcedLines().size();
             return new Row(w.name(), w.objects(), placedLabels, sorted.length, sorted[0],
-                    sorted[sorted.length / 2]);
+                    sorted[sorted.length / 2], layerSorted.length,
+                    layerSorted[layerSorted.length / 2]);
         } finally {
             CAvoidContainerWrap.DestroyAvoidContainer(c);
         }
     }
 
+    private static double time(Pass pass, long outcome, List<Double> seconds) {
+        long t0 = System.nanoTime();
+        long again = pass.run();
+        double s = (System.nanoTime() - t0) / 1e9;
+        if (again != outcome) throw new IllegalStateException("passes disagree");
+        seconds.add(s);
+        return s;
+    }
+
     // One pass; returns its outcome: the number of placed objects in the high half, a checksum of
     // the objects' IDs and offsets in the low half. Every pass of the same workload has the same.
-    private static long runPass(long c, Workload w) {
+    private static long rawPass(long c, Workload w) {
         List<int[]> forced = w.forcedLines();
         for (int i = 0; i < forced.size(); i++) {
             long obj = CAvoidContainerWrap.CreateAvoidObject(c);
@@ -146,12 +178,36 @@ public final class PassBenchmark {
         return (count << 32) | (sum & 0xffffffffL);
     }
 
+    // The same pass through the handle-free layer, with the same outcome.
+    private static long layerPass(AvoidContainer c, Workload w) {
+        List<int[]> forced = w.forcedLines();
+        for (int i = 0; i < forced.size(); i++) {
+            c.newObject().setId(-1 - i).addLine(forced.get(i), Scene.LINE_HALF_WIDTH).addForced();
+        }
+        List<int[]> labels = w.labels();
+        for (int i = 0; i < labels.size(); i++) {
+            int[] l = labels.get(i);
+            // The ring on the outer corners of the cells l[0]..l[4] - 1 by l[1]..l[5] - 1.
+            AvoidObject obj = c.newObject().setId(i).addRect(l[0], l[1], l[4] - 1, l[5] - 1);
+            for (int k = 8; k + 1 < l.length; k += 2) obj.addOffset(l[k], l[k + 1]);
+            obj.add();
+        }
+        long sum = 0;
+        List<AvoidObject> placed = c.placed();
+        for (List<AvoidObject> list : List.of(placed, c.unplaced())) {
+            for (AvoidObject obj : list) sum += obj.id() + obj.offsetX();
+        }
+        c.reset();
+        long count = placed.size();
+        return (count << 32) | (sum & 0xffffffffL);
+    }
+
     private static int canvasSide(int n) {
         return (int) Math.ceil(Math.sqrt(n * CELLS_PER_LABEL));
     }
 
-    // Per label: the box right of its point, then the offsets of the left, above and below
-    // candidates.
+    // Per label the candidates right of its point, left, above and below, those that fit the
+    // canvas: the first one's box, then the offsets of the others from it.
     static Workload uniformLabels(int n, Random rng) {
         int side = canvasSide(n);
         List<int[]> labels = new ArrayList<>(n);
@@ -159,15 +215,25 @@ public final class PassBenchmark {
             int px = rng.nextInt(side);
             int py = rng.nextInt(side);
             int w = 24 + rng.nextInt(73);
-            int left = px + CLEARANCE;
-            int top = py - LABEL_HEIGHT / 2;
-            int centred = px - w / 2 - left;
-            int[] ring = Footprints.rectangleRing(left, top, left + w - 1, top + LABEL_HEIGHT - 1);
-            int[] l = Arrays.copyOf(ring, 14);
-            int[] offsets = {-w - 2 * CLEARANCE, 0, centred, py - CLEARANCE - LABEL_HEIGHT - top,
-                centred + 1, py + CLEARANCE - top};
-            System.arraycopy(offsets, 0, l, 8, offsets.length);
-            labels.add(l);
+            int[][] corners = {{px + CLEARANCE, py - LABEL_HEIGHT / 2},
+                {px - CLEARANCE - w, py - LABEL_HEIGHT / 2},
+                {px - w / 2, py - CLEARANCE - LABEL_HEIGHT}, {px - w / 2 + 1, py + CLEARANCE}};
+            int[] l = null;
+            int size = 0;
+            for (int[] at : corners) {
+                if (at[0] < 0 || at[0] + w > side || at[1] < 0 || at[1] + LABEL_HEIGHT > side) {
+                    continue;
+                }
+                if (l == null) {
+                    l = Arrays.copyOf(Footprints.rectangleRing(at[0], at[1], at[0] + w - 1,
+                            at[1] + LABEL_HEIGHT - 1), 14);
+                    size = 8;
+                } else {
+                    l[size++] = at[0] - l[0];
+                    l[size++] = at[1] - l[1];
+                }
+            }
+            if (l != null) labels.add(Arrays.copyOf(l, size));
         }
         return new Workload("java_pass_uniform/" + n, side, side, List.of(), labels);
     }
@@ -212,9 +278,11 @@ public final class PassBenchmark {
             sb.append(String.format(Locale.ROOT,
                     "    {\"name\": \"%s\", \"objects\": %d, \"placed\": %d, \"passes\": %d, "
                             + "\"best_seconds\": %.6f, \"median_seconds\": %.6f, "
-                            + "\"objects_per_second\": %.1f}%s%n",
+                            + "\"objects_per_second\": %.1f, \"layer_passes\": %d, "
+                            + "\"layer_median_seconds\": %.6f}%s%n",
                     r.name(), r.objects(), r.placedLabels(), r.passes(), r.bestSeconds(),
-                    r.medianSeconds(), r.objectsPerSecond(), i + 1 < rows.size() ? "," : ""));
+                    r.medianSeconds(), r.objectsPerSecond(), r.layerPasses(),
+                    r.layerMedianSeconds(), i + 1 < rows.size() ? "," : ""));
         }
         return sb.append("  ]\n}\n").toString();
     }

@@ -8,6 +8,8 @@ package com.tavrint.demo;
  * proportions there. The window is widened about its centre along the axis that has room to spare
  * so that one scale serves both axes, the way the placement library fits a map extent to its
  * device rectangle.
+ *
+ * <p>{@link #webMercator} gives instead a window of a tiled web Mercator zoom level.
  */
 public final class Projection {
     private final int width;
@@ -16,6 +18,8 @@ public final class Projection {
     private final double centreX;
     private final double centreY;
     private final double unitsPerPixel;
+    // Whether y follows the Mercator northing of the latitude instead of the latitude itself.
+    private final boolean mercator;
 
     public Projection(int width, int height, double lonMin, double latMin, double lonMax,
             double latMax) {
@@ -30,6 +34,28 @@ public final class Projection {
         this.centreY = (latMin + latMax) / 2;
         this.unitsPerPixel =
                 Math.max((lonMax - lonMin) * kx / width, (latMax - latMin) / height);
+        this.mercator = false;
+    }
+
+    private Projection(int zoom, long left, long top, int width, int height) {
+        this.width = width;
+        this.height = height;
+        this.kx = 1;
+        this.unitsPerPixel = 360.0 / (256L << zoom);
+        this.centreX = -180 + (left + width / 2.0) * unitsPerPixel;
+        this.centreY = 180 - (top + height / 2.0) * unitsPerPixel;
+        this.mercator = true;
+    }
+
+    /**
+     * The canvas of width x height pixels whose top left pixel is (left, top) of the web Mercator
+     * world at the zoom level: 256 x 2^zoom pixels a side, (0, 0) at 180 degrees west and the
+     * latitude whose northing is 180 degrees (about 85.05 north).
+     */
+    public static Projection webMercator(int zoom, long left, long top, int width, int height) {
+        if (width <= 0 || height <= 0) throw new IllegalArgumentException("empty canvas");
+        if (zoom < 0 || zoom > 30) throw new IllegalArgumentException("zoom out of range");
+        return new Projection(zoom, left, top, width, height);
     }
 
     public int width() {
@@ -45,7 +71,10 @@ public final class Projection {
     }
 
     public double y(double lat) {
-        return (centreY - lat) / unitsPerPixel + height / 2.0;
+        double northing = mercator
+                ? Math.toDegrees(Math.log(Math.tan(Math.PI / 4 + Math.toRadians(lat) / 2)))
+                : lat;
+        return (centreY - northing) / unitsPerPixel + height / 2.0;
     }
 
     /** The fitted window in projected units: west, south, east, north. */

@@ -426,7 +426,7 @@ public final class StreetsDemo {
                 for (int k = 1; k < cand.size(); k++) label.addOffset(cand.dx(k), cand.dy(k));
                 objects++;
                 if (label.add()) {
-                    poiChosen.set(i, cand.indexOfDx(label.offsetX()));
+                    poiChosen.set(i, label.candidate());
                 } else {
                     label.recycle();
                     icon.recycle();

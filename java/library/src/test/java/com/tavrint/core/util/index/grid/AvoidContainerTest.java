@@ -66,18 +66,107 @@ class AvoidContainerTest {
                 () -> container.setDeviceRect(0, 0, 1, 1), waiting::placedState, early::id);
     }
 
-    @Test
-    void classicMistakesThrow() {
-        try (AvoidContainer c = new AvoidContainer()) {
-            assertAllThrow(() -> c.setMapExtent(0, 0, 1, 1));
-            AvoidObject o = canvas(c).newObject();
-            assertThrows(NullPointerException.class, () -> o.addLine(null, 1));
-            for (Executable call : new Executable[] {() -> c.setDeviceRect(0, 0, 0, 100),
-                    () -> c.setMapExtent(Double.NaN, 0, 1, 1), () -> c.setMapExtent(9, 0, 0, 9),
-                    () -> o.addRing(0, 0, 5), () -> o.addLine(new int[] {0, 0, 9, 9}, 0),
-                    () -> o.addRect(10, 0, 9, 5), () -> o.addRect(0, 0, Integer.MAX_VALUE, 5)}) {
-                assertThrows(IllegalArgumentException.class, call);
-            }
+    // Each call with the words its message must hold: what is expected, or the limit.
+    private static void assertRefused(Object[][] cases) {
+        for (Object[] k : cases) {
+            IllegalArgumentException e =
+                    assertThrows(IllegalArgumentException.class, (Executable) k[0], (String) k[1]);
+            assertTrue(e.getMessage().contains((String) k[1]), e.getMessage());
         }
+    }
+
+    @Test
+    void malformedShapesCanvasesAndCoordinatesThrowSayingWhatIsExpected() {
+        int max = AvoidContainer.MAX_COORDINATE;
+        try (AvoidContainer c = new AvoidContainer()) {
+            assertRefused(new Object[][] {
+                {(Executable) () -> c.setDeviceRect(50, 0, 150, 100), "start at (0, 0)"},
+                {(Executable) () -> c.setCanvasSize(0, 100), "1 to " + (1 << 30)},
+                {(Executable) () -> c.setCanvasSize(100, (1 << 30) + 1), "1 to " + (1 << 30)},
+                {(Executable) () -> c.setDeviceRect(0, 0, 100, Integer.MIN_VALUE), "1 to "},
+            });
+            assertFalse(c.hasDeviceRect(), "nothing was set");
+            c.setCanvasSize(1 << 30, 1 << 30);
+            c.setDeviceRect(0, 0, 200, 100);
+            assertEquals(List.of(200, 100), List.of(c.canvasWidth(), c.canvasHeight()));
+            AvoidObject o = c.newObject().addOffset(max, -max).addRect(-max, 0, 0, max - 1);
+            assertRefused(new Object[][] {
+                {(Executable) () -> o.addBox(10, 0, 9, 5), "left <= right and top <= bottom"},
+                {(Executable) () -> o.addRect(10, 0, 9, 5), "left <= right and top <= bottom"},
+                {(Executable) () -> o.addRing(1, 2), "at least three points"},
+                {(Executable) () -> o.addRing(), "at least three points"},
+                {(Executable) () -> o.addRing(0, 0, 5, 0, 5), "(x, y) pairs"},
+                {(Executable) () -> o.addLine(new int[] {5, 5}, 2), "at least two points"},
+                {(Executable) () -> o.addLine(new int[] {0, 0, 9, 9}, 0), "half-width"},
+                {(Executable) () -> o.addLine(new int[] {0, 0, 9, 9}, max + 1), "half-width"},
+                {(Executable) () -> o.addRect(0, 0, max + 1, 5), "MAX_COORDINATE"},
+                {(Executable) () -> o.addBox(-max - 1, 0, 0, 0), "MAX_COORDINATE"},
+                {(Executable) () -> o.addLine(new int[] {0, 0, max + 1, 9}, 1), "MAX_COORDINATE"},
+                {(Executable) () -> o.addOffset(0, max + 1), "MAX_COORDINATE"},
+            });
+            assertThrows(NullPointerException.class, () -> o.addLine(null, 1));
+            o.reset();
+            assertTrue(o.addRect(0, 0, 5, 5).add(), "nothing refused was drawn or kept");
+        }
+    }
+
+    @Test
+    void theCandidateInForceAndItsOffsetTellBelowFromAbove() {
+        try (AvoidContainer c = canvas(new AvoidContainer())) {
+            for (int[] wall : new int[][] {{100, 50}, {60, 50}, {100, 30}}) { // right, left, above
+                c.newObject().addRect(wall[0], wall[1], wall[0] + 29, wall[1] + 9).addForced();
+            }
+            AvoidObject label = c.newObject().addRect(100, 50, 129, 59).addOffset(-40, 0)
+                    .addOffset(0, -20).addOffset(0, 20);
+            assertTrue(label.add());
+            assertEquals(List.of(3, 0, 20),
+                    List.of(label.candidate(), label.offsetX(), label.offsetY()));
+            assertArrayEquals(new int[] {0, 0},
+                    CAvoidContainerWrap.AvoidObject_Offset(label.rawHandle()), "raw: x twice");
+        }
+    }
+
+    @Test
+    void cellsReachingPastTheCanvasTakeNoOffsetOnTheCanvasTheyAreAllKept() {
+        try (AvoidContainer c = canvas(new AvoidContainer())) {
+            AvoidObject wall = c.newObject().addRect(0, 40, 29, 49);
+            wall.addForced();
+            // Cells -20..-1 are dropped: at offset (+30, 0) they would overlap the wall unseen.
+            AvoidObject cut = c.newObject().addRect(-20, 40, 9, 49).addOffset(30, 0);
+            IllegalArgumentException e = assertThrows(IllegalArgumentException.class, cut::add);
+            assertTrue(e.getMessage().contains("canvas edge"), e.getMessage());
+            AvoidObject road = c.newObject().addLine(new int[] {-20, 90, 210, 90}, 2);
+            assertTrue(road.add(), "past the edge with (0, 0) only: placed");
+            assertFalse(cut.clearOffsets().add(), "its cells on the canvas overlap the wall");
+            // Built on the canvas, shifted partly off it: cells 0..4 of the wall still meet it.
+            AvoidObject shifted = c.newObject().addRect(0, 40, 9, 49).addOffset(-5, 0);
+            assertFalse(shifted.add());
+            assertEquals(List.of(wall, road), c.placed());
+            assertEquals(List.of(cut, shifted), c.unplaced());
+        }
+    }
+
+    @Test
+    void aRecycledObjectsHandleHandedOutAgainListsTheNewObject() {
+        try (AvoidContainer c = canvas(new AvoidContainer())) {
+            AvoidObject first = label(c, "first", 0, 0);
+            first.add();
+            AvoidObject rejected = label(c, "rejected", 5, 0);
+            rejected.add();
+            first.recycle();
+            AvoidObject again = label(c, "again", 50, 50);
+            assertEquals(first.rawHandle(), again.rawHandle(), "the pool hands the object back");
+            again.add();
+            assertEquals(List.of(again), c.placed());
+            assertEquals(List.of(rejected), c.unplaced());
+            assertEquals(PlacedState.PLACED, again.placedState());
+        }
+    }
+
+    @Test
+    void theJarAndTheLibraryHaveOneVersion() {
+        assertTrue(AvoidContainer.version().matches("\\d+\\.\\d+\\.\\d+"),
+                AvoidContainer.version());
+        assertEquals(AvoidContainer.version(), AvoidContainer.libraryVersion());
     }
 }
