@@ -1,5 +1,8 @@
 # Top-level jobs. Each installs what it needs and the machine lacks, then configures and builds.
-#   make test   every test suite: C++ (plain and sanitized), fuzzing, install check, Java
+#   make test   every test suite: C++ (plain and sanitized), fuzzing, install check, the cross
+#               builds' suites and library checks, Java against the jar of every platform
+#   make jar    the library jar with the library of every platform
+#   make natives  the library of every platform, in $(BUILD)/natives/<platform>/
 #   make demo   labels a map of Europe from data/ through the library, writes out/demo.png
 #   make demo-streets  a street map of central Helsinki with names along the streets
 #   make demo-tiles    one pass over a zoom level's window cut into tiles: out/tiles.png
@@ -13,7 +16,7 @@ FUZZ_SECONDS ?= 600
 # Time budget of the straightforward pass in the placement comparison, in seconds.
 COMPARE_SECONDS ?= 30
 
-.PHONY: test test-native test-asan test-fuzz test-java deps-build deps-java native asan fuzz-build bench fuzz format clean demo demo-streets demo-tiles java-package mutate
+.PHONY: test test-native test-asan test-fuzz test-java test-cross deps-build deps-java deps-cross native asan fuzz-build bench fuzz format clean demo demo-streets demo-tiles java-package mutate natives jar
 
 # ccache, when it is installed, keeps compiled objects across build trees and worktrees.
 CCACHE := $(shell command -v ccache 2>/dev/null)
@@ -22,7 +25,7 @@ CMAKE_GEN += -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
 export CCACHE_BASEDIR ?= $(CURDIR)
 endif
 
-test: test-native test-asan test-fuzz test-java
+test: test-native test-asan test-fuzz test-cross test-java
 
 deps-build:
 	bash .ci/deps.sh build
@@ -52,11 +55,75 @@ JAVA_VERSION := $(shell sed -n 's:^  <version>\(.*\)</version>:\1:p' java/pom.xm
 LIB_JAR = java/library/target/kxavoidcontainer-$(JAVA_VERSION).jar
 DEMO_CP = $(LIB_JAR):java/demo/target/kxavoidcontainer-demo-$(JAVA_VERSION).jar
 
-# The Java tests of both modules against the plain build's library, then the packaged library jar
-# from a plain class path (the native library must come out of the jar, the demos must not be in it).
-test-java: native deps-java
-	mvn -B -ntp -f java/pom.xml -Dkxac.native.library=$(abspath $(BUILD)/native/libKXAvoidContainer.so) verify
+# Every platform's library, cross-built with zig (README, "Platforms"): one build tree each under
+# $(BUILD)/cross/, the stripped library copied to $(BUILD)/natives/<platform>/ under the name
+# Java looks for. The platforms of SUITE_PLATFORMS also build the C++ suites, which run here
+# natively, under qemu-user or under wine; the macOS libraries are only checked. Linux x86-64
+# with glibc runs its suites in the plain and sanitized builds above, and its cross-built library
+# under every Java test.
+PLATFORMS := linux-x86_64 linux-aarch64 linux-x86_64-musl linux-aarch64-musl macos-x86_64 \
+	macos-aarch64 windows-x86_64
+SUITE_PLATFORMS := linux-aarch64 linux-x86_64-musl linux-aarch64-musl windows-x86_64
+ZIG_VERSION := 0.17.1
+TOOLS := $(abspath $(BUILD)/toolchains)
+NATIVES := $(abspath $(BUILD)/natives)
+ARM64_ROOT := $(TOOLS)/arm64-root
+ARM64_JAVA := qemu-aarch64 -L $(ARM64_ROOT) $(ARM64_ROOT)/usr/lib/jvm/java-17-openjdk-arm64/bin/java
+# zig's cache and wine's prefix live in the build tree, so that a clean build is clean.
+CROSS_ENV := ZIG_GLOBAL_CACHE_DIR=$(TOOLS)/zig-cache WINEPREFIX=$(TOOLS)/wine WINEDEBUG=-all
+JAVA_SOURCE_DIR := java/library/src/main/java/com/tavrint/core/util/index/grid
+
+deps-cross: deps-build
+	bash .ci/deps.sh cross
+	bash .ci/cross-tools.sh $(TOOLS) $(ZIG_VERSION)
+
+# cross-<platform>: configures and builds one platform's tree (not the slow tests' data).
+cross-%: deps-cross
+	$(CROSS_ENV) cmake -S . -B $(BUILD)/cross/$* $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release \
+		-DCMAKE_TOOLCHAIN_FILE=cmake/toolchains/$*.cmake -DKXAC_ZIG=$(TOOLS)/zig/ziglang/zig \
+		-DKXAC_STRIP=ON -DKXAC_JAR_NATIVE_DIR=$(NATIVES)/$* -DKXAC_TARGET_SYSROOT=$(ARM64_ROOT) \
+		-DKXAC_BUILD_TESTS=$(if $(filter $*,$(SUITE_PLATFORMS)),ON,OFF)
+	@date +%s > $(BUILD)/cross/$*.start
+	$(CROSS_ENV) cmake --build $(BUILD)/cross/$* -j $(JOBS)
+	@echo "$*: built in $$(( $$(date +%s) - $$(cat $(BUILD)/cross/$*.start) )) s"
+
+natives: $(addprefix cross-,$(PLATFORMS))
+
+# Each platform's C++ suites but the slow whole-data comparisons (the plain build runs those),
+# then the checks of every library: its format and processor, the C++ API and the 23 natives
+# exported, nothing internal.
+test-cross: natives
+	@for p in $(SUITE_PLATFORMS); do \
+		echo "== $$p: C++ suites"; start=$$(date +%s); \
+		$(CROSS_ENV) ctest --test-dir $(BUILD)/cross/$$p --output-on-failure -j $(JOBS) -LE slow \
+			|| exit 1; \
+		echo "$$p: tested in $$(( $$(date +%s) - start )) s"; \
+	done
+	@passed=0; failed=0; for p in $(PLATFORMS); do \
+		lib=$$(ls $(NATIVES)/$$p/*); echo "== $$p: $$(basename $$lib), $$(wc -c < $$lib) bytes"; \
+		for check in "library_format.sh $$lib $$p" "exported_api.sh $$lib" \
+			"exported_java_symbols.sh $$lib $(JAVA_SOURCE_DIR)/CAvoidContainerWrap.java $(JAVA_SOURCE_DIR)/AvoidNatives.java"; do \
+			if sh tests/binding/$$check; then passed=$$((passed + 1)); \
+			else failed=$$((failed + 1)); echo "FAILED: $$check"; fi; \
+		done; \
+	done; echo "library checks: $$passed passed, $$failed failed"; [ $$failed -eq 0 ]
+
+# The library jar with every platform's library (java/library/target/), its sources and Javadoc.
+jar: natives deps-java
+	$(MVN_PACKAGE) -Dkxac.native.dir=$(NATIVES)
+	unzip -l $(LIB_JAR) | grep '/native/'
+
+# The Java tests of both modules against the libraries of every platform in the classes that
+# become the jar, then the packaged jar from a plain class path (the native library must come out
+# of the jar, the demos must not be in it), on this machine's JVM and on an ARM64 JVM under
+# qemu-user.
+test-java: natives deps-java
+	mvn -B -ntp -f java/pom.xml -Dkxac.native.dir=$(NATIVES) verify
+	unzip -l $(LIB_JAR) | grep '/native/'
 	java -cp "$(LIB_JAR)" tests/binding/JarSmoke.java
+	mkdir -p $(BUILD)/jar-smoke
+	javac -d $(BUILD)/jar-smoke -cp "$(LIB_JAR)" tests/binding/JarSmoke.java
+	$(ARM64_JAVA) -cp "$(LIB_JAR):$(BUILD)/jar-smoke" JarSmoke
 
 # The index loader under libFuzzer (clang, its own build tree). The seed corpus in the repo is
 # only read; new inputs and any crash land in the build tree.

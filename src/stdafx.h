@@ -2,8 +2,16 @@
 #pragma once
 
 // Classes and functions that native users link against are marked KXAC_API; everything else
-// in the shared object stays hidden (the library is built with hidden visibility by default).
-#if defined(__GNUC__) || defined(__clang__)
+// in the shared library stays hidden (it is built with hidden visibility by default). A Windows
+// DLL exports them when KXAC_BUILDING is defined (the library's own sources and tests) and its
+// users import them.
+#if defined(_WIN32)
+#if defined(KXAC_BUILDING)
+#define KXAC_API __declspec(dllexport)
+#else
+#define KXAC_API __declspec(dllimport)
+#endif
+#elif defined(__GNUC__) || defined(__clang__)
 #define KXAC_API __attribute__((visibility("default")))
 #else
 #define KXAC_API

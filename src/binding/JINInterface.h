@@ -45,13 +45,18 @@ private:
 template <class T>
 struct CJavaArrayTraits;
 
+// jint is int on Linux and macOS and long on Windows; both are 32-bit signed integers.
 template <>
 struct CJavaArrayTraits<int> {
     using Array = jintArray;
-    static_assert(std::is_same<jint, int>::value, "jint must be int");
-    static int* Get(JNIEnv* env, jintArray a) { return env->GetIntArrayElements(a, nullptr); }
+    static_assert(sizeof(jint) == sizeof(int) && std::is_signed<jint>::value &&
+                      std::is_integral<jint>::value,
+                  "jint must be a 32-bit signed integer");
+    static int* Get(JNIEnv* env, jintArray a) {
+        return reinterpret_cast<int*>(env->GetIntArrayElements(a, nullptr));
+    }
     static void Release(JNIEnv* env, jintArray a, int* e, jint mode) {
-        env->ReleaseIntArrayElements(a, e, mode);
+        env->ReleaseIntArrayElements(a, reinterpret_cast<jint*>(e), mode);
     }
 };
 

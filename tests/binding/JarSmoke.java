@@ -15,6 +15,7 @@ public class JarSmoke {
         if (JarSmoke.class.getClassLoader().getResource("com/tavrint/demo/Demo.class") != null) {
             throw new AssertionError("jar smoke test: the library jar carries the demos");
         }
-        System.out.println("jar smoke test passed: native library from the jar, no demo classes");
+        System.out.println("jar smoke test passed on " + System.getProperty("os.name") + " "
+                + System.getProperty("os.arch") + ": native library from the jar, no demo classes");
     }
 }

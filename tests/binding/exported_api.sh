@@ -3,6 +3,7 @@
 # the run merge and other helpers of the placement (namespace kxac), the rasterizer (namespace
 # agg), the raster target, the scratch buffer and the JNI wrappers export no symbol, not even
 # through a template instantiated for them.
+# The library may be of any platform (ELF, PE or Mach-O).
 #   exported_api.sh LIBRARY
 set -eu
 
@@ -10,7 +11,8 @@ lib=$1
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-nm -DC --defined-only "$lib" | cut -d' ' -f3- > "$work/exported"
+sh "$(dirname "$0")/exported_symbols.sh" "$lib" > "$work/mangled"
+llvm-cxxfilt < "$work/mangled" > "$work/exported"
 if [ ! -s "$work/exported" ]; then
     echo "no symbols read from $lib" >&2
     exit 1
@@ -21,4 +23,11 @@ if grep -E "$internal" "$work/exported" > "$work/leaked"; then
     cat "$work/leaked" >&2
     exit 1
 fi
+# What native users link: the index, the containers and the version, on every platform.
+for api in 'KXAvoidContainerVersion' 'CRLEIndex::' 'CAvoidContainer::' 'CAvoidObject::'; do
+    if ! grep -qF "$api" "$work/exported"; then
+        echo "$lib exports nothing of $api" >&2
+        exit 1
+    fi
+done
 echo "$(wc -l < "$work/exported") symbols exported, none internal"

@@ -5,6 +5,7 @@
 #       (SECOND_SOURCE, in the same package) declares natives of its own, and the library exports
 #       exactly those of both classes
 #   exported_java_symbols.sh LIBRARY --none   the library exports no Java native at all
+# The library may be of any platform (ELF, PE or Mach-O).
 set -eu
 
 lib=$1
@@ -15,7 +16,8 @@ prefix=${package}CAvoidContainerWrap_
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-nm -D --defined-only "$lib" | awk '{ print $NF }' | grep '^Java_' | sort > "$work/exported" || true
+sh "$(dirname "$0")/exported_symbols.sh" "$lib" > "$work/all"
+grep '^Java_' "$work/all" | sort > "$work/exported" || true
 
 if [ "$source" = "--none" ]; then
     if [ -s "$work/exported" ]; then

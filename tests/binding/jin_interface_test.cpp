@@ -52,7 +52,9 @@ struct FakeJvm {
         table.ReleaseIntArrayElements = &Release<jint, jintArray, &FakeArray::ints>;
         table.ReleaseDoubleArrayElements = &Release<jdouble, jdoubleArray, &FakeArray::doubles>;
         table.ReleaseLongArrayElements = &Release<jlong, jlongArray, &FakeArray::longs>;
-        table.NewIntArray = [](JNIEnv* e, jsize n) { return Of(e).Ints("new", std::vector(n, 0)); };
+        table.NewIntArray = [](JNIEnv* e, jsize n) {
+            return Of(e).Ints("new", std::vector<jint>(n, 0));
+        };
         table.NewLongArray = [](JNIEnv* e, jsize n) {
             return Of(e).Array<jlongArray>({"new", {}, {}, std::vector<jlong>(n)});
         };
@@ -210,10 +212,11 @@ TEST(Natives, PassGivesTheAnswersOfTheCppApi) {
         CAvoidObject* o = ref.NewObject();
         CALL(AvoidObject_1SetID, obj, i), o->ID(i);
         const int x = r(95), y = r(95), s = 1 + r(15), width = r(4);  // width 0: a ring
-        std::vector<jint> p = {x, y, x + s, y, x + s, y + s};
-        width ? (CALL(AvoidObject_1AddLines, obj, t.jvm.Ints("p", p), width),
+        std::vector<int> p = {x, y, x + s, y, x + s, y + s};
+        const std::vector<jint> jp(p.begin(), p.end());  // jint is long on Windows
+        width ? (CALL(AvoidObject_1AddLines, obj, t.jvm.Ints("p", jp), width),
                  o->AddLine(&p[0], 6, width))
-              : (CALL(AvoidObject_1AddRing, obj, t.jvm.Ints("p", p)), o->AddRing(&p[0], 6));
+              : (CALL(AvoidObject_1AddRing, obj, t.jvm.Ints("p", jp)), o->AddRing(&p[0], 6));
         for (int k = r(4); k > 0; --k) {
             const Location at(r(41) - 20, r(41) - 20);
             CALL(AvoidObject_1AddOffset, obj, at.x, at.y), o->OffsetCollection().push_back(at);

@@ -1,0 +1,10 @@
+# Linux ARM64 with glibc 2.17 or later; its programs run here under qemu-user with an ARM64 glibc.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(KXAC_ZIG_TARGET aarch64-linux-gnu.2.17)
+set(KXAC_TARGET_SYSROOT "" CACHE PATH "An ARM64 root with glibc, for running the target's programs")
+set(KXAC_TARGET_EMULATOR qemu-aarch64)
+if(KXAC_TARGET_SYSROOT)
+    list(APPEND KXAC_TARGET_EMULATOR -L ${KXAC_TARGET_SYSROOT})
+endif()
+include(${CMAKE_CURRENT_LIST_DIR}/zig.cmake)
