@@ -232,6 +232,7 @@ TEST(Natives, PassGivesTheAnswersOfTheCppApi) {
         for (jlong h : FakeJvm::Of(handles).longs) {
             const std::vector<jint> at = FakeJvm::Of(CALL(AvoidObject_1Offset, h)).ints;
             const CAvoidObject& r = **o++;
+            // The offset native answers the x twice: its second element is not the y.
             EXPECT_EQ(std::vector<jlong>({CALL(AvoidObject_1GetID, h),
                                           CALL(AvoidObject_1PlacedState, h), at[0], at[1]}),
                       std::vector<jlong>({r.ID(), r.PlacedState(), r.Offset().x, r.Offset().x}));
