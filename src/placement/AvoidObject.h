@@ -16,8 +16,9 @@
 #include "stdafx.h"
 
 // Private steps whose signatures name the rasterizer's or the scratch's types, kept out of the
-// exported symbols as those types are.
-#if defined(__GNUC__) || defined(__clang__)
+// exported symbols as those types are. A Windows DLL exports every member of an exported class
+// and cannot hide one: there they are exported, under the class's name.
+#if !defined(_WIN32) && (defined(__GNUC__) || defined(__clang__))
 #define KXAC_HIDDEN __attribute__((visibility("hidden")))
 #else
 #define KXAC_HIDDEN
