@@ -241,21 +241,14 @@ void EdgeInWindow(long long x1, long long y1, long long x2, long long y2, const 
         part(to, a1, b1);
         side.Add(right, down ? a0 : a1, down ? b1 : b0);
     };
-    if (rightward) {
-        const long long leftEnd = runEnd(false);
-        carry(false, rowLo, leftEnd - 1);
-        first = leftEnd;
-        const long long rightStart = runStart(true);
-        carry(true, std::max(rightStart, first), rowHi);
-        last = std::max(rightStart, first) - 1;
-    } else {
-        const long long rightEnd = runEnd(true);
-        carry(true, rowLo, rightEnd - 1);
-        first = rightEnd;
-        const long long leftStart = runStart(false);
-        carry(false, std::max(leftStart, first), rowHi);
-        last = std::max(leftStart, first) - 1;
-    }
+    // The low end's side (left when the parts move right), then the other side at the high end.
+    const bool lowSide = !rightward;
+    const long long lowEnd = runEnd(lowSide);
+    carry(lowSide, rowLo, lowEnd - 1);
+    first = lowEnd;
+    const long long highStart = std::max(runStart(!lowSide), first);
+    carry(!lowSide, highStart, rowHi);
+    last = highStart - 1;
     for (long long row = first; row <= last; ++row) {
         part(row, ya, yb);
         if (ya != yb) RowInWindow(xAt(ya), ya, xAt(yb), yb, x0, xEnd, piece, side);
