@@ -60,6 +60,7 @@ class TilesTest {
         }
     }
 
+    // A line of the list, its box and dot in pixels of the zoom level rather than of its tile.
     private record Line(int x, int y, int rank, int[] box, int[] dot) {}
 
     @Test
@@ -71,38 +72,34 @@ class TilesTest {
         final int y1 = 86;
         TilesDemo.main(new String[] {"--zoom", "8", "--window", "3,50,9,52.5", "--mosaic",
             "3,50,9,52.5", "--data", DATA.toString(), "--out", dir + "/t.png"});
-        List<Line> lines = new ArrayList<>();
+        Map<Integer, Line> first = new HashMap<>();
+        Map<Integer, Set<List<Integer>>> tilesOf = new HashMap<>();
+        Map<List<Integer>, List<int[]>> boxesOfTile = new HashMap<>();
         List<String> tsv = Files.readAllLines(dir.resolve("t-labels.tsv"));
         for (String s : tsv.subList(1, tsv.size())) {
             String[] f = s.split("\t", -1);
             String[] t = f[0].split("/");
             assertEquals("8", t[0]);
-            int[] n = new int[8];
-            for (int i = 0; i < 8; i++) n[i] = Integer.parseInt(f[4 + i]);
-            lines.add(new Line(Integer.parseInt(t[1]), Integer.parseInt(t[2]),
-                    Integer.parseInt(f[1]), new int[] {n[0], n[1], n[2], n[3]},
-                    new int[] {n[4], n[5], n[6], n[7]}));
-        }
-        Map<Integer, Line> first = new HashMap<>();
-        Map<Integer, Set<List<Integer>>> tilesOf = new HashMap<>();
-        Map<List<Integer>, List<int[]>> boxesOfTile = new HashMap<>();
-        for (Line l : lines) {
+            List<Integer> tile = List.of(Integer.parseInt(t[1]), Integer.parseInt(t[2]));
+            int[] n = new int[8]; // box, then dot: x at even places, y at odd ones
+            for (int i = 0; i < 8; i++) n[i] = Integer.parseInt(f[4 + i]) + tile.get(i % 2) * 256;
+            Line l = new Line(tile.get(0), tile.get(1), Integer.parseInt(f[1]),
+                    Arrays.copyOf(n, 4), Arrays.copyOfRange(n, 4, 8));
             assertTrue(l.x >= x0 && l.x <= x1 && l.y >= y0 && l.y <= y1, "tile off the canvas");
-            List<Integer> tile = List.of(l.x, l.y);
             assertTrue(tilesOf.computeIfAbsent(l.rank, r -> new HashSet<>()).add(tile),
                     "city " + l.rank + " twice in tile " + tile);
-            Line f = first.computeIfAbsent(l.rank, r -> l);
-            assertArrayEquals(world(f.box, f), world(l.box, l), "label " + l.rank + " moved");
-            assertArrayEquals(world(f.dot, f), world(l.dot, l), "dot " + l.rank + " moved");
-            for (int[] other : boxesOfTile.computeIfAbsent(tile, t -> new ArrayList<>())) {
+            Line f0 = first.computeIfAbsent(l.rank, r -> l);
+            assertArrayEquals(f0.box, l.box, "label " + l.rank + " moved");
+            assertArrayEquals(f0.dot, l.dot, "dot " + l.rank + " moved");
+            for (int[] other : boxesOfTile.computeIfAbsent(tile, k -> new ArrayList<>())) {
                 assertFalse(LabelPass.overlap(other, l.box), "labels overlap in " + tile);
             }
             boxesOfTile.get(tile).add(l.box);
         }
         int crossing = 0;
         for (Line f : first.values()) {
-            int[] b = world(f.box, f);
-            int[] d = world(f.dot, f);
+            int[] b = f.box;
+            int[] d = f.dot;
             Set<List<Integer>> touched = new HashSet<>();
             for (int x = Math.max(x0, Math.min(b[0], d[0]) >> 8);
                     x <= Math.min(x1, Math.max(b[2], d[2]) >> 8); x++) {
@@ -118,12 +115,5 @@ class TilesTest {
         BufferedImage mosaic = ImageIO.read(dir.resolve("t.png").toFile());
         assertEquals((x1 - x0 + 1) * 256, mosaic.getWidth());
         assertTrue(mosaic.getHeight() >= (y1 - y0 + 1) * 256);
-    }
-
-    // Tile pixels to pixels of the zoom level.
-    private static int[] world(int[] b, Line tile) {
-        int dx = tile.x * 256;
-        int dy = tile.y * 256;
-        return new int[] {b[0] + dx, b[1] + dy, b[2] + dx, b[3] + dy};
     }
 }

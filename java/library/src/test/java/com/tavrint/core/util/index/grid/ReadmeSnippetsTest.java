@@ -44,8 +44,8 @@ class ReadmeSnippetsTest {
         return process.waitFor() + "\n" + output;
     }
 
-    /** Runs a fresh virtual machine on the given class path. */
-    private static String java(Path dir, String classPath, String... arguments) throws Exception {
+    /** Runs a fresh virtual machine on the given class path: its exit code, then its output. */
+    static String java(Path dir, String classPath, String... arguments) throws Exception {
         String java = Path.of(System.getProperty("java.home"), "bin", "java").toString();
         return run(dir, Stream.concat(Stream.of(java, "-cp", classPath), Stream.of(arguments))
                 .toList());

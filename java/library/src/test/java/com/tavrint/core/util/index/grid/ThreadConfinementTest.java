@@ -45,12 +45,10 @@ class ThreadConfinementTest {
                         failure.compareAndSet(null, t);
                     }
                 };
-                Thread a = new Thread(adder, "adder-a");
-                Thread b = new Thread(adder, "adder-b");
-                a.start();
-                b.start();
-                a.join();
-                b.join();
+                List<Thread> adders =
+                        List.of(new Thread(adder, "adder-a"), new Thread(adder, "adder-b"));
+                adders.forEach(Thread::start);
+                for (Thread thread : adders) thread.join();
                 Throwable t = failure.get();
                 if (t != null) {
                     assertInstanceOf(ConcurrentModificationException.class, t, "run " + run);
