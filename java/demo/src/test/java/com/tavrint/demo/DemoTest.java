@@ -1,7 +1,6 @@
 package com.tavrint.demo;
 
-import static org.junit.jupiter.api.Assertions.assertFalse;
-import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.junit.jupiter.api.Assertions.*;
 
 import com.tavrint.demo.GeoData.City;
 import java.io.ByteArrayOutputStream;

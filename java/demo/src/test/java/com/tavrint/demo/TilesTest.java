@@ -1,10 +1,6 @@
 package com.tavrint.demo;
 
-import static org.junit.jupiter.api.Assertions.assertArrayEquals;
-import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertFalse;
-import static org.junit.jupiter.api.Assertions.assertThrows;
-import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.junit.jupiter.api.Assertions.*;
 
 import java.awt.image.BufferedImage;
 import java.nio.file.Files;
@@ -98,13 +94,11 @@ class TilesTest {
         }
         int crossing = 0;
         for (Line f : first.values()) {
-            int[] b = f.box;
-            int[] d = f.dot;
             Set<List<Integer>> touched = new HashSet<>();
-            for (int x = Math.max(x0, Math.min(b[0], d[0]) >> 8);
-                    x <= Math.min(x1, Math.max(b[2], d[2]) >> 8); x++) {
-                for (int y = Math.max(y0, Math.min(b[1], d[1]) >> 8);
-                        y <= Math.min(y1, Math.max(b[3], d[3]) >> 8); y++) {
+            for (int x = Math.max(x0, Math.min(f.box[0], f.dot[0]) >> 8);
+                    x <= Math.min(x1, Math.max(f.box[2], f.dot[2]) >> 8); x++) {
+                for (int y = Math.max(y0, Math.min(f.box[1], f.dot[1]) >> 8);
+                        y <= Math.min(y1, Math.max(f.box[3], f.dot[3]) >> 8); y++) {
                     touched.add(List.of(x, y));
                 }
             }

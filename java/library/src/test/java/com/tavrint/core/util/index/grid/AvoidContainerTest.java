@@ -7,7 +7,10 @@ import java.util.List;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.function.Executable;
 
-/** The handle-free layer: what collides, results and ids, the object lifecycle, loud misuse. */
+/**
+ * The handle-free layer: what collides, results and ids, the object lifecycle, loud misuse, and
+ * the native memory of containers.
+ */
 class AvoidContainerTest {
     private static AvoidContainer canvas(AvoidContainer container) {
         container.setDeviceRect(0, 0, 200, 100);
@@ -152,13 +155,6 @@ class AvoidContainerTest {
         }
     }
 
-    @Test
-    void theJarAndTheLibraryHaveOneVersion() {
-        assertTrue(AvoidContainer.version().matches("\\d+\\.\\d+\\.\\d+"),
-                AvoidContainer.version());
-        assertEquals(AvoidContainer.version(), AvoidContainer.libraryVersion());
-    }
-
     // Candidates: where it stands over a and c, shifted over b, shifted clear. Placed after the
     // label, d overlaps every candidate and is never named; recycled, a stops blocking.
     @Test
@@ -181,5 +177,30 @@ class AvoidContainerTest {
             c.reset();
             assertThrows(IllegalStateException.class, blocked::blockers);
         }
+    }
+
+    // Native memory of containers: freed once by close(), and by the Cleaner when one is dropped.
+    @Test
+    void closeFreesOnceAndDroppedContainersAreFreedByTheCleaner() throws InterruptedException {
+        int before = AvoidContainer.liveNativeContainers();
+        AvoidContainer closed = new AvoidContainer();
+        closed.close();
+        closed.close();
+        assertEquals(before, AvoidContainer.liveNativeContainers(), "close frees, and only once");
+        for (int i = 0; i < 50; i++) {
+            // Filled as a pass fills it, with one object only handed out, then dropped unclosed.
+            AvoidContainer container = new AvoidContainer();
+            container.setDeviceRect(0, 0, 300, 300);
+            for (int k = 0; k < 20; k++) container.newObject().addRect(k, k, k + 30, k + 8).add();
+            container.newObject().addRect(0, 0, 5, 5);
+        }
+        assertTrue(AvoidContainer.liveNativeContainers() > before, "not freed before collection");
+        // Waits at most 30 s for the collector; the count must come back exactly, not below.
+        for (int i = 0; i < 1500 && AvoidContainer.liveNativeContainers() > before; i++) {
+            System.gc();
+            Thread.sleep(20);
+        }
+        assertEquals(before, AvoidContainer.liveNativeContainers(),
+                "every dropped one was freed, and the closed one not again");
     }
 }

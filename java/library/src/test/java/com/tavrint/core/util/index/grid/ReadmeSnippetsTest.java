@@ -1,7 +1,6 @@
 package com.tavrint.core.util.index.grid;
 
-import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.junit.jupiter.api.Assertions.*;
 
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
@@ -22,7 +21,8 @@ import org.junit.jupiter.api.io.TempDir;
  * compile against the library and run, printing what the text after it says it prints. Run with
  * the library path property naming a missing file, the first one fails and names that file: the
  * property overrides the library in the jar. The ```xml block is the pom.xml of a fresh Maven
- * project that builds the first program against this build's jar, offline.
+ * project that builds the first program against this build's jar, offline; the version it names
+ * is the jar's and the native library's.
  */
 class ReadmeSnippetsTest {
     private static final Pattern BLOCK =
@@ -87,6 +87,8 @@ class ReadmeSnippetsTest {
         Matcher version = DEPENDENCY.matcher(pom.group(1));
         assertTrue(version.find(), "the pom depends on the library");
         assertEquals(AvoidContainer.version(), version.group(1), "the README names this version");
+        assertEquals(version.group(1), AvoidContainer.libraryVersion(), "the library's too");
+        assertTrue(version.group(1).matches("\\d+\\.\\d+\\.\\d+"), version.group(1));
         Path userRepository = Path.of(System.getProperty("user.home"), ".m2", "repository");
         Assumptions.assumeTrue(Files.isDirectory(userRepository), "no local Maven repository");
 
