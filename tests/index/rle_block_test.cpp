@@ -122,24 +122,19 @@ struct TempFile {
 };
 }  // namespace
 
-TEST(RleBlock, GoldenIndexAndLevelBytesBothWays) {
+// What Save writes, byte by byte. Reading these bytes back is held to the same layout by the
+// random round trips below and by the index load test, which loads this level's bytes.
+TEST(RleBlock, GoldenIndexAndLevelBytes) {
     CRLEIndex index;
     const Bytes meta = {0xAB, 0x00, 0x7F};
     index.Metadata(meta.data(), 3);
     const Bytes header = Cat({BE({3}, kSignature), meta});
     EXPECT_EQ(index.BlockLength(), 11);
     EXPECT_EQ(SaveIndex(index), header);
-    CRLEIndex loaded;
-    EXPECT_EQ(LoadExact(loaded, header), 11);
-    EXPECT_EQ(SaveIndex(loaded), header);
-
     std::unique_ptr<CRLEIndexCreate> level(SmallLevel());
     Bytes block(static_cast<size_t>(level->BlockLength()));
     EXPECT_EQ(level->Save(block.data(), 36), 36);
     EXPECT_EQ(block, kSmallLevel);
-    CRLEIndexCreate back;
-    EXPECT_EQ(LoadExact(back, kSmallLevel), 36);
-    EXPECT_EQ(Dump(back), Dump(*level));
 }
 
 TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkippedAndShortCapacitiesWriteNothing) {
@@ -174,10 +169,9 @@ TEST(RleBlock, LevelsWithoutRowsOrRoomAreSkippedAndShortCapacitiesWriteNothing) 
 }
 
 TEST(RleBlock, RandomIndexesRoundTripThroughMemoryAndFiles) {
-    const unsigned seed = 13;
-    std::mt19937 gen(seed);
+    std::mt19937 gen(13);
     for (int round = 0; round < 200; ++round) {
-        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
+        SCOPED_TRACE("round " + std::to_string(round));
         CRLEIndex index;
         FillRandom(index, gen);
         const Bytes block = SaveIndex(index);
@@ -234,11 +228,10 @@ TEST(RleBlock, LevelLoadRefusesBadLengthsCountsAndBands) {
         level.Level(9);
         level.Add(9, 9);
         try {
-            EXPECT_EQ(LoadExact(level, c.bytes), c.consumed);
+            EXPECT_EQ((std::vector<int>{LoadExact(level, c.bytes), level.Level(), level.StartRow(),
+                                        level.RowCount(), level.Count()}),
+                      (std::vector<int>{c.consumed, c.level, c.startRow, c.rows, c.cells}));
             EXPECT_FALSE(c.throws);
-            EXPECT_EQ((std::vector<int>{level.Level(), level.StartRow(), level.RowCount(),
-                                        level.Count()}),
-                      (std::vector<int>{c.level, c.startRow, c.rows, c.cells}));
         } catch (const std::length_error& e) {
             EXPECT_TRUE(c.throws);
             EXPECT_STREQ(e.what(), "vector::reserve");
