@@ -14,15 +14,7 @@ using testing_support::RectCells;
 
 namespace {
 
-struct Canvas {
-    CDT dt;
-    CAvoidObject obj;
-    Canvas(long long w, long long h) {
-        testing_support::SetCanvas(dt, w, h);
-        obj.Reset();
-        obj.DT(&dt);
-    }
-};
+using Canvas = testing_support::CanvasObject;
 
 CellSet Union(CellSet a, const CellSet& b) {
     a.insert(b.begin(), b.end());
@@ -56,9 +48,7 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
     };
     for (const Case& k : cases) {
         Canvas c((int64_t{1} << 32) + 100, 60);  // the raster takes the low 32 bits: 100 columns
-        std::vector<int> xy = k.xy;
-        if (k.width > 0) c.obj.AddLine(xy.data(), static_cast<int>(xy.size()), k.width);
-        if (k.width == 0) c.obj.AddRing(xy.data(), static_cast<int>(xy.size()));
+        testing_support::Draw(c.obj, k.xy, k.width);
         EXPECT_EQ(CellsOf(c.obj), k.cells) << "case " << &k - cases;
     }
     Canvas c(100, 60);

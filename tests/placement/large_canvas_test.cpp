@@ -63,30 +63,16 @@ std::string Place(const std::vector<Shape>& scene, int w, int h, int d) {
         std::vector<int> xy = s.xy;
         for (int& v : xy)
             v += d;
-        const int n = static_cast<int>(xy.size());
-        s.width > 0 ? obj->AddLine(xy.data(), n, s.width) : obj->AddRing(xy.data(), n);
+        testing_support::Draw(*obj, xy, s.width);
         if (s.box) obj->AddBox(Box(xy[0], xy[1], xy[0] + 9, xy[1] + 9));
         obj->OffsetCollection().insert(obj->OffsetCollection().end(), s.offsets.begin(),
                                        s.offsets.end());
         c.Add(obj, s.forced);
         objs.push_back(obj);
     }
-    std::string out;
-    for (const auto* list : {&c.PlacedObjects(), &c.UnplacedObjects()}) {
-        for (const CAvoidObject* o : *list)
-            out += std::to_string(o->ID()) + "@" + std::to_string(o->Offset().x) + "," +
-                   std::to_string(o->Offset().y) + " ";
-        out += "\n";
-    }
-    for (const CAvoidObject* o : objs) {
-        const CRLEIndexQuery& g = o->Grid();
-        for (int row = g.StartRow(); !g.IsEmpty() && row <= g.EndRow(); ++row) {
-            out += std::to_string(row - d) + ":";
-            for (const RLE& r : *g.RowRuns(row))
-                out += " " + std::to_string(r.start - d) + "-" + std::to_string(r.end - d);
-            out += "\n";
-        }
-    }
+    std::string out = testing_support::ListsText(c);
+    for (const CAvoidObject* o : objs)
+        out += testing_support::RunsText(*o, d, d) + "\n";
     return out;
 }
 
@@ -114,24 +100,12 @@ TEST(LargeCanvas, ShapesLargerThanTheRangeKeepTheirCellsAcrossTileSeams) {
         std::string rows[2];
         for (const int move : {0, 1}) {
             const int dx = 12345 * move, dy = 23456 * move;
-            CDT dt;
-            testing_support::SetCanvas(dt, 100000 + dx, 100000 + dy);
-            CAvoidObject obj;
-            obj.Reset();
-            obj.DT(&dt);
+            testing_support::CanvasObject c(100000 + dx, 100000 + dy);
             std::vector<int> xy = shape;
             for (size_t i = 0; i < xy.size(); ++i)
                 xy[i] += i % 2 == 0 ? dx : dy;
-            const int n = static_cast<int>(xy.size());
-            width > 0 ? obj.AddLine(xy.data(), n, width) : obj.AddRing(xy.data(), n);
-            const CRLEIndexQuery& g = obj.Grid();
-            for (int y = g.StartRow(); y <= g.EndRow(); ++y) {
-                rows[move] += std::to_string(y - dy) + ":";
-                for (const RLE& r : *g.RowRuns(y))
-                    rows[move] +=
-                        " " + std::to_string(r.start - dx) + "-" + std::to_string(r.end - dx);
-                rows[move] += "\n";
-            }
+            testing_support::Draw(c.obj, xy, width);
+            rows[move] = testing_support::RunsText(c.obj, dx, dy);
         }
         // Convex shapes: one run a row, from the first row to the last.
         EXPECT_EQ(std::count(rows[0].begin(), rows[0].end(), '-'),
@@ -151,15 +125,10 @@ TEST(LargeCanvas, TilesGiveTheCellsOfTheWholePolygon) {
         const int width = any(0, 7);
         std::string runs[2];
         for (const int tiles : {0, any(1, 16)}) {
-            CDT dt;
-            testing_support::SetCanvas(dt, 200, 150);
-            dt.footprint.tileCells = tiles;
-            CAvoidObject obj;
-            obj.Reset();
-            obj.DT(&dt);
-            const int n = static_cast<int>(xy.size());
-            width > 0 ? obj.AddLine(xy.data(), n, width) : obj.AddRing(xy.data(), n);
-            runs[tiles > 0] = testing_support::RunsText(obj);
+            testing_support::CanvasObject c(200, 150);
+            c.dt.footprint.tileCells = tiles;
+            testing_support::Draw(c.obj, xy, width);
+            runs[tiles > 0] = testing_support::RunsText(c.obj);
         }
         ASSERT_EQ(runs[0], runs[1]) << "seed 77, round " << round;
     }
@@ -238,22 +207,14 @@ TEST(LargeCanvas, WorldCitiesOnAZoomLevelCanvasMatchAPlainRectanglePlacer) {
     for (const CityLabel& l : labels) {
         CAvoidObject* obj = c.NewObject();
         const Box& b = l.candidates[0];
-        int ring[] = {b.left,      b.top,        b.right + 1, b.top,
-                      b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
-        obj->AddRing(ring, 8);
+        testing_support::AddCellBox(*obj, b);
         for (size_t k = 1; k < l.candidates.size(); ++k)
             obj->OffsetCollection().emplace_back(l.candidates[k].left - b.left,
                                                  l.candidates[k].top - b.top);
         c.Add(obj, false);
-        int pick = -1;
-        for (size_t k = 0;
-             obj->PlacedState() == CAvoidObject::kPlaced && pick < 0 && k < l.candidates.size();
-             ++k) {
-            if (l.candidates[k].left - b.left == obj->Offset().x &&
-                l.candidates[k].top - b.top == obj->Offset().y)
-                pick = static_cast<int>(k);
-        }
-        chosen.push_back(pick);
+        const std::vector<Location>& at = obj->OffsetCollection();
+        const auto pick = std::find(at.begin(), at.end(), obj->Offset()) - at.begin();
+        chosen.push_back(obj->PlacedState() == CAvoidObject::kPlaced ? int(pick) : -1);
     }
     ASSERT_EQ(chosen.size(), expected.size());
     const auto first = std::mismatch(chosen.begin(), chosen.end(), expected.begin());

@@ -66,8 +66,7 @@ public:
     }
 
     void Check() {
-        ASSERT_EQ(Tags(m_fast.PlacedObjects()), Tags(m_slow.PlacedObjects()));
-        ASSERT_EQ(Tags(m_fast.UnplacedObjects()), Tags(m_slow.UnplacedObjects()));
+        ASSERT_EQ(testing_support::ListsText(m_fast), testing_support::ListsText(m_slow));
     }
     int placed = 0, rejected = 0;
 
@@ -82,13 +81,6 @@ private:
         const Pair p = v[i];
         v.erase(v.begin() + static_cast<std::ptrdiff_t>(i));
         return p;
-    }
-    static std::vector<std::string> Tags(const std::list<CAvoidObject*>& list) {
-        std::vector<std::string> tags;
-        for (const CAvoidObject* o : list)
-            tags.push_back(o->StringID() + "@" + std::to_string(o->Offset().x) + "," +
-                           std::to_string(o->Offset().y));
-        return tags;
     }
 
     int Coord(int lo, int hi) {
@@ -274,9 +266,7 @@ TEST(IndexedPlacement, WorldCitiesMatchTheStraightforwardPass) {
         kxbench::FitToScene(*c, scene);
         for (kxbench::Obstacle& o : scene.forced) {
             CAvoidObject* obj = c->NewObject();
-            const int n = static_cast<int>(o.xy.size());
-            if (o.halfWidth > 0) obj->AddLine(o.xy.data(), n, o.halfWidth);
-            if (o.halfWidth <= 0) obj->AddRing(o.xy.data(), n);
+            testing_support::Draw(*obj, o.xy, o.halfWidth);
             c->Add(obj, true);
         }
         for (const kxbench::Label& l : scene.labels) {

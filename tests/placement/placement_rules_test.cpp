@@ -93,9 +93,8 @@ TEST_P(ContainerRules, Outcome) {
                       std::make_tuple(0, 0LL, c.DT(), true, size_t{1}))
                 << s;
             const Shape& sh = kShapes.at(s.back());
-            int ring[] = {sh.x,           sh.y,           sh.x + sh.size, sh.y,
-                          sh.x + sh.size, sh.y + sh.size, sh.x,           sh.y + sh.size};
-            obj->AddRing(ring, 8);
+            testing_support::AddCellBox(*obj,
+                                        Box(sh.x, sh.y, sh.x + sh.size - 1, sh.y + sh.size - 1));
             obj->OffsetCollection().insert(obj->OffsetCollection().end(), sh.offsets.begin(),
                                            sh.offsets.end());
             obj->ID(s.back());
@@ -111,18 +110,17 @@ TEST_P(ContainerRules, Outcome) {
         if (s[0] == 'C') obj->OffsetCollection().clear();
         if (s[0] == 'S') obj->PlacedState(7);
     }
-    std::string got;
+    std::ostringstream got;
     for (const auto* list : {&c.PlacedObjects(), &c.UnplacedObjects()}) {
         for (const CAvoidObject* obj : *list)
-            got += static_cast<char>(obj->ID());
-        got += "|";
+            got << static_cast<char>(obj->ID());
+        got << '|';
     }
     for (const auto& [name, obj] : named) {
-        got += std::string(got.back() == '|' ? "" : " ") + name +
-               std::to_string(obj->PlacedState()) + "(" + std::to_string(obj->Offset().x) + "," +
-               std::to_string(obj->Offset().y) + ")";
+        got << (name == named.begin()->first ? "" : " ") << name << obj->PlacedState() << '('
+            << obj->Offset().x << ',' << obj->Offset().y << ')';
     }
-    EXPECT_EQ(got, GetParam().outcome);
+    EXPECT_EQ(got.str(), GetParam().outcome);
     for (CAvoidObject* obj : held)
         obj->PlacedState(0), c.Recycle(obj);
     c.Add(nullptr, false);  // ignored

@@ -7,6 +7,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "test_support.h"
+
 namespace kxbench {
 namespace {
 
@@ -150,9 +152,7 @@ void AddLabel(CAvoidContainer& c, const Label& l, long long id) {
     CAvoidObject* obj = c.NewObject();
     const Box& b = l.box;
     obj->ID(id);
-    int ring[] = {b.left,      b.top,        b.right + 1, b.top,
-                  b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
-    obj->AddRing(ring, 8);
+    testing_support::AddCellBox(*obj, b);
     auto& offsets = obj->OffsetCollection();
     offsets.insert(offsets.end(), l.offsets.begin(), l.offsets.end());
     c.Add(obj, false);
