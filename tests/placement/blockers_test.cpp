@@ -50,18 +50,15 @@ public:
         if (obj->PlacedState() != CAvoidObject::kNotPlaced) return result;
         const std::vector<CAvoidObject*> now = Placed();
         std::vector<Location>& offsets = obj->OffsetCollection();
+        const std::vector<CAvoidObject*>& before = m_placedAtAdd[index];
         for (auto it = offsets.begin(); it != offsets.end(); ++it) {
             obj->OffsetIterator(it);
-            CAvoidObject* first = nullptr;
-            for (CAvoidObject* placed : m_placedAtAdd[index]) {
-                if (std::find(now.begin(), now.end(), placed) == now.end()) continue;
-                if (obj->MaxExtent().IsIntersect(placed->MaxExtent()) &&
-                    reference::Intersect(*placed, *obj)) {
-                    first = placed;
-                    break;
-                }
-            }
-            result.push_back(first);
+            const auto first = std::find_if(before.begin(), before.end(), [&](CAvoidObject* p) {
+                return std::find(now.begin(), now.end(), p) != now.end() &&
+                       obj->MaxExtent().IsIntersect(p->MaxExtent()) &&
+                       reference::Intersect(*p, *obj);
+            });
+            result.push_back(first == before.end() ? nullptr : *first);
         }
         obj->OffsetIterator(offsets.begin());
         return result;

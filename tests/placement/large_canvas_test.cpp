@@ -135,9 +135,7 @@ TEST(LargeCanvas, TilesGiveTheCellsOfTheWholePolygon) {
 }
 
 // A label of the world canvas: its rectangle at each candidate.
-struct CityLabel {
-    std::vector<Box> candidates;
-};
+using CityLabel = std::vector<Box>;
 
 // The labels of every city on an equirectangular canvas of 65,536 x 32,768 cells: 7 cells per
 // character plus 2 by 13, at eight places around the point, those off the canvas left out.
@@ -154,9 +152,9 @@ std::vector<CityLabel> WorldLabels(int width, int height) {
         CityLabel l;
         for (const auto& p : at) {
             if (p[0] >= 0 && p[1] >= 0 && p[0] + lw <= width && p[1] + lh <= height)
-                l.candidates.emplace_back(p[0], p[1], p[0] + lw - 1, p[1] + lh - 1);
+                l.emplace_back(p[0], p[1], p[0] + lw - 1, p[1] + lh - 1);
         }
-        if (!l.candidates.empty()) labels.push_back(l);
+        if (!l.empty()) labels.push_back(l);
     }
     return labels;
 }
@@ -176,21 +174,18 @@ std::vector<int> PlaceRectangles(const std::vector<CityLabel>& labels, int width
     };
     std::vector<int> chosen;
     for (const CityLabel& l : labels) {
-        int pick = -1;
-        for (size_t k = 0; k < l.candidates.size() && pick < 0; ++k) {
-            const Box& b = l.candidates[k];
-            const bool hit = each(b, [&](const std::vector<Box>& bucket) {
+        const auto free = std::find_if(l.begin(), l.end(), [&](const Box& b) {
+            return !each(b, [&](const std::vector<Box>& bucket) {
                 return std::any_of(bucket.begin(), bucket.end(),
                                    [&](const Box& p) { return p.IsIntersect(b); });
             });
-            if (!hit) pick = static_cast<int>(k);
-        }
-        if (pick >= 0)
-            each(l.candidates[pick], [&](std::vector<Box>& bucket) {
-                bucket.push_back(l.candidates[pick]);
+        });
+        if (free != l.end())
+            each(*free, [&](std::vector<Box>& bucket) {
+                bucket.push_back(*free);
                 return false;
             });
-        chosen.push_back(pick);
+        chosen.push_back(free == l.end() ? -1 : static_cast<int>(free - l.begin()));
     }
     return chosen;
 }
@@ -206,11 +201,10 @@ TEST(LargeCanvas, WorldCitiesOnAZoomLevelCanvasMatchAPlainRectanglePlacer) {
     std::vector<int> chosen;
     for (const CityLabel& l : labels) {
         CAvoidObject* obj = c.NewObject();
-        const Box& b = l.candidates[0];
+        const Box& b = l[0];
         testing_support::AddCellBox(*obj, b);
-        for (size_t k = 1; k < l.candidates.size(); ++k)
-            obj->OffsetCollection().emplace_back(l.candidates[k].left - b.left,
-                                                 l.candidates[k].top - b.top);
+        for (size_t k = 1; k < l.size(); ++k)
+            obj->OffsetCollection().emplace_back(l[k].left - b.left, l[k].top - b.top);
         c.Add(obj, false);
         const std::vector<Location>& at = obj->OffsetCollection();
         const auto pick = std::find(at.begin(), at.end(), obj->Offset()) - at.begin();
@@ -222,7 +216,7 @@ TEST(LargeCanvas, WorldCitiesOnAZoomLevelCanvasMatchAPlainRectanglePlacer) {
     // Many labels placed east of column 32,768, and many rejected: a fault there would show.
     long long east = 0;
     for (size_t i = 0; i < labels.size(); ++i)
-        east += expected[i] >= 0 && labels[i].candidates[expected[i]].left > 32768;
+        east += expected[i] >= 0 && labels[i][expected[i]].left > 32768;
     EXPECT_GT(east, 10000);
     EXPECT_GT(std::count(expected.begin(), expected.end(), -1), 20000);
 }

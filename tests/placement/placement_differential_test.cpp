@@ -249,9 +249,7 @@ TEST_P(PlacementDifferential, MatchesTheStraightforwardPass) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenes, PlacementDifferential, testing::ValuesIn(kGenerators),
-                         [](const testing::TestParamInfo<Generator>& info) {
-                             return std::string(info.param.name);
-                         });
+                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
 

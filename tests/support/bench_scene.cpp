@@ -78,10 +78,8 @@ void AddPieces(const std::vector<std::vector<double>>& lines, Scene& s) {
     for (const auto& lonLat : lines) {
         std::vector<int> xy;
         xy.reserve(lonLat.size());
-        for (size_t i = 0; i + 1 < lonLat.size(); i += 2) {
-            xy.push_back(WorldX(lonLat[i]));
-            xy.push_back(WorldY(lonLat[i + 1]));
-        }
+        for (size_t i = 0; i + 1 < lonLat.size(); i += 2)
+            xy.insert(xy.end(), {WorldX(lonLat[i]), WorldY(lonLat[i + 1])});
         for (auto& piece : SplitPolyline(xy, kPieceSpan))
             s.forced.push_back({std::move(piece), 1});
     }
