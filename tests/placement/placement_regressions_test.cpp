@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <random>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "placement/AvoidContainer.h"

@@ -180,24 +180,19 @@ TEST(CollisionRules, BothWays) {
 // (5, 5)-(6, 6): the quarter search on its own cells, and the box test, where the coarse extent
 // (0, 0)-(9, 9) decides first.
 TEST(CollisionProbes, QuarterSearchAndBoxTest) {
-    struct Probe {
-        bool centre;
-        Box box;
-        bool exist, intersect;
-    };
-    const Probe probes[] = {
+    // Whether (0, 0) is a cell, the probe, then what IsExistRLE and IsIntersect answer.
+    const std::tuple<bool, Box, bool, bool> probes[] = {
         {false, Box(0, 0, 1, 0), true, true},              // centre (0, 0) free, the other cell not
         {false, Box(6, 6, 5, 5), false, true},             // inverted: the box rule still meets
         {true, Box(100, 100, -100, -100), true, false},    // its centre is (0, 0); off the extent
         {true, Box(INT_MAX, 0, INT_MIN, 0), true, false},  // wrapping centres: the cells between
         {true, Box(INT_MAX, 1, INT_MIN, 1), false, false},
     };
-    for (const Probe& p : probes) {
+    for (auto [centre, box, exist, intersect] : probes) {
         CAvoidObject a;
-        Build(a, p.centre ? "0:1-1 9:9-9 0:0-0 ! b5,5,6,6" : "0:1-1 9:9-9 ! b5,5,6,6");
-        Box box = p.box;
-        EXPECT_EQ(a.IsExistRLE(p.box), p.exist) << p.box.left << "," << p.box.top;
-        EXPECT_EQ(a.IsIntersect(box), p.intersect) << p.box.left << "," << p.box.top;
+        Build(a, centre ? "0:1-1 9:9-9 0:0-0 ! b5,5,6,6" : "0:1-1 9:9-9 ! b5,5,6,6");
+        EXPECT_EQ(a.IsExistRLE(box), exist) << box.left << "," << box.top;
+        EXPECT_EQ(a.IsIntersect(box), intersect) << box.left << "," << box.top;
     }
 }
 
