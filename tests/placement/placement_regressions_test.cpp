@@ -28,21 +28,20 @@ void AddSquare(CAvoidObject* obj, int x, int y, int w, int h, bool runs = false)
 // recycled, handed out again and deleted by the caller, then the container is used and destroyed.
 TEST(ObjectLifetime, RecycledPlacedObjectHandedOutAndDeletedIsNeverReadAgain) {
     for (const bool addAfter : {true, false}) {
-        auto* c = new CPriorityAvoidContainer();
-        SetCanvas(*c->DT(), 64, 64);
-        CAvoidObject* a = c->NewObject();
+        CPriorityAvoidContainer c;  // destroyed at the end of the round
+        SetCanvas(*c.DT(), 64, 64);
+        CAvoidObject* a = c.NewObject();
         AddSquare(a, 10, 10, 8, 8);
-        c->Add(a, false);
-        c->Recycle(a);
-        ASSERT_EQ(c->NewObject(), a);
+        c.Add(a, false);
+        c.Recycle(a);
+        ASSERT_EQ(c.NewObject(), a);
         delete a;
         if (addAfter) {
-            CAvoidObject* other = c->NewObject();
+            CAvoidObject* other = c.NewObject();
             AddSquare(other, 12, 12, 8, 8);
-            c->Add(other, false);
+            c.Add(other, false);
             EXPECT_EQ(other->PlacedState(), CAvoidObject::kPlaced);  // the deleted one is gone
         }
-        delete c;
     }
 }
 
