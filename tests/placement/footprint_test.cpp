@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstdint>
 #include <limits>
+#include <tuple>
 #include <vector>
 
 #include "placement/AvoidContainer.h"
@@ -14,15 +15,7 @@ using testing_support::RectCells;
 
 namespace {
 
-struct Canvas {
-    CDT dt;
-    CAvoidObject obj;
-    Canvas(long long w, long long h) {
-        testing_support::SetCanvas(dt, w, h);
-        obj.Reset();
-        obj.DT(&dt);
-    }
-};
+using Canvas = testing_support::CanvasObject;
 
 CellSet Union(CellSet a, const CellSet& b) {
     a.insert(b.begin(), b.end());
@@ -34,12 +27,8 @@ CellSet Union(CellSet a, const CellSet& b) {
 // Shapes drawn on a fresh object of a 100 x 60 canvas, and the cells they give: lines (width > 0)
 // or rings (width 0) of int cells.
 TEST(Footprint, LinesAndRingsGiveTheirCells) {
-    struct Case {
-        std::vector<int> xy;
-        int width;
-        CellSet cells;
-    };
-    const Case cases[] = {
+    // The points, the width, the cells.
+    const std::tuple<std::vector<int>, int, CellSet> cases[] = {
         // A horizontal segment covers the rows on both sides.
         {{0, 5, 10, 5}, 1, RectCells(0, 4, 10, 6)},
         // No caps or joins: the outer corner cell (20, 9) belongs to neither stroke; a segment of
@@ -54,12 +43,10 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
         // A ring fills what it encloses (the raster tests compare the even-odd rule with a model).
         {{10, 20, 30, 20, 30, 25, 10, 25}, 0, RectCells(10, 20, 30, 25)},
     };
-    for (const Case& k : cases) {
+    for (const auto& [xy, width, cells] : cases) {
         Canvas c((int64_t{1} << 32) + 100, 60);  // the raster takes the low 32 bits: 100 columns
-        std::vector<int> xy = k.xy;
-        if (k.width > 0) c.obj.AddLine(xy.data(), static_cast<int>(xy.size()), k.width);
-        if (k.width == 0) c.obj.AddRing(xy.data(), static_cast<int>(xy.size()));
-        EXPECT_EQ(CellsOf(c.obj), k.cells) << "case " << &k - cases;
+        testing_support::Draw(c.obj, xy, width);
+        EXPECT_EQ(CellsOf(c.obj), cells) << "points " << testing::PrintToString(xy);
     }
     Canvas c(100, 60);
     int line[] = {0, 5, 10, 5, INT_MIN, INT_MIN, INT_MAX, INT_MAX};

@@ -18,17 +18,12 @@ using testing_support::RunsText;
 // Two objects on canvases of one size: the first draws with the shortcuts, the second, through a
 // transform that draws everything, without. A width of -1 draws a ring.
 struct Pair {
-    CDT dt, fullDt;
-    CAvoidObject fast, full;
-    Pair(long long w, long long h) {
-        testing_support::SetCanvas(dt, w, h);
-        testing_support::SetCanvas(fullDt, w, h);
-        fullDt.footprint.drawEverything = true;
-        for (auto [obj, t] : {std::pair(&fast, &dt), std::pair(&full, &fullDt)})
-            obj->Reset(), obj->DT(t);
+    testing_support::CanvasObject fast, full;
+    Pair(long long w, long long h) : fast(w, h), full(w, h) {
+        full.dt.footprint.drawEverything = true;
     }
     void Draw(std::vector<int> xy, int width) {
-        for (CAvoidObject* obj : {&fast, &full})
+        for (CAvoidObject* obj : {&fast.obj, &full.obj})
             width == -1 ? obj->AddRing(xy.data(), int(xy.size()))
                         : obj->AddLine(xy.data(), int(xy.size()), width);
     }
@@ -61,7 +56,7 @@ TEST(HostileFootprint, LinesAndRingsGiveTheCellsOfDrawingEverything) {
             for (size_t i = 0; i < xy.size(); ++i)
                 xy[i] = Any(uniform, i % 2 == 0 ? w : h);
             pair.Draw(xy, call % 2 == 0 || round % 3 == 0 ? Width(uniform) : -1);
-            ASSERT_EQ(RunsText(pair.fast), RunsText(pair.full))
+            ASSERT_EQ(RunsText(pair.fast.obj), RunsText(pair.full.obj))
                 << "seed 2026, round " << round << ", call " << call;
         }
     }
@@ -78,11 +73,11 @@ TEST(HostileFootprint, RingOverFullRowsStillExhaustsTheOutline) {
         zigzag.insert(zigzag.end(), {i % 2 == 0 ? -10 : 210, i % 2 == 0 ? 1 : 9});
     pair.Draw(zigzag, -1);
     pair.Draw({20, 100, 180, 100}, 3);
-    EXPECT_EQ(RunsText(pair.fast), RunsText(pair.full));
-    EXPECT_EQ(testing_support::CellsOf(pair.full), testing_support::RectCells(0, 0, 200, 10));
+    EXPECT_EQ(RunsText(pair.fast.obj), RunsText(pair.full.obj));
+    EXPECT_EQ(testing_support::CellsOf(pair.full.obj), testing_support::RectCells(0, 0, 200, 10));
     // On a canvas wider than the clip window, strokes past its right edge, before and over rows
     // full across it, in one call.
     Pair wide(40000, 40);
     wide.Draw({32020, 10, 32100, 12, 40100, 10, -100, 10, 32100, 11}, 3);
-    EXPECT_EQ(RunsText(wide.fast), RunsText(wide.full));
+    EXPECT_EQ(RunsText(wide.fast.obj), RunsText(wide.full.obj));
 }

@@ -63,30 +63,16 @@ std::string Place(const std::vector<Shape>& scene, int w, int h, int d) {
         std::vector<int> xy = s.xy;
         for (int& v : xy)
             v += d;
-        const int n = static_cast<int>(xy.size());
-        s.width > 0 ? obj->AddLine(xy.data(), n, s.width) : obj->AddRing(xy.data(), n);
+        testing_support::Draw(*obj, xy, s.width);
         if (s.box) obj->AddBox(Box(xy[0], xy[1], xy[0] + 9, xy[1] + 9));
         obj->OffsetCollection().insert(obj->OffsetCollection().end(), s.offsets.begin(),
                                        s.offsets.end());
         c.Add(obj, s.forced);
         objs.push_back(obj);
     }
-    std::string out;
-    for (const auto* list : {&c.PlacedObjects(), &c.UnplacedObjects()}) {
-        for (const CAvoidObject* o : *list)
-            out += std::to_string(o->ID()) + "@" + std::to_string(o->Offset().x) + "," +
-                   std::to_string(o->Offset().y) + " ";
-        out += "\n";
-    }
-    for (const CAvoidObject* o : objs) {
-        const CRLEIndexQuery& g = o->Grid();
-        for (int row = g.StartRow(); !g.IsEmpty() && row <= g.EndRow(); ++row) {
-            out += std::to_string(row - d) + ":";
-            for (const RLE& r : *g.RowRuns(row))
-                out += " " + std::to_string(r.start - d) + "-" + std::to_string(r.end - d);
-            out += "\n";
-        }
-    }
+    std::string out = testing_support::ListsText(c);
+    for (const CAvoidObject* o : objs)
+        out += testing_support::RunsText(*o, d, d) + "\n";
     return out;
 }
 
@@ -114,24 +100,12 @@ TEST(LargeCanvas, ShapesLargerThanTheRangeKeepTheirCellsAcrossTileSeams) {
         std::string rows[2];
         for (const int move : {0, 1}) {
             const int dx = 12345 * move, dy = 23456 * move;
-            CDT dt;
-            testing_support::SetCanvas(dt, 100000 + dx, 100000 + dy);
-            CAvoidObject obj;
-            obj.Reset();
-            obj.DT(&dt);
+            testing_support::CanvasObject c(100000 + dx, 100000 + dy);
             std::vector<int> xy = shape;
             for (size_t i = 0; i < xy.size(); ++i)
                 xy[i] += i % 2 == 0 ? dx : dy;
-            const int n = static_cast<int>(xy.size());
-            width > 0 ? obj.AddLine(xy.data(), n, width) : obj.AddRing(xy.data(), n);
-            const CRLEIndexQuery& g = obj.Grid();
-            for (int y = g.StartRow(); y <= g.EndRow(); ++y) {
-                rows[move] += std::to_string(y - dy) + ":";
-                for (const RLE& r : *g.RowRuns(y))
-                    rows[move] +=
-                        " " + std::to_string(r.start - dx) + "-" + std::to_string(r.end - dx);
-                rows[move] += "\n";
-            }
+            testing_support::Draw(c.obj, xy, width);
+            rows[move] = testing_support::RunsText(c.obj, dx, dy);
         }
         // Convex shapes: one run a row, from the first row to the last.
         EXPECT_EQ(std::count(rows[0].begin(), rows[0].end(), '-'),
@@ -151,24 +125,17 @@ TEST(LargeCanvas, TilesGiveTheCellsOfTheWholePolygon) {
         const int width = any(0, 7);
         std::string runs[2];
         for (const int tiles : {0, any(1, 16)}) {
-            CDT dt;
-            testing_support::SetCanvas(dt, 200, 150);
-            dt.footprint.tileCells = tiles;
-            CAvoidObject obj;
-            obj.Reset();
-            obj.DT(&dt);
-            const int n = static_cast<int>(xy.size());
-            width > 0 ? obj.AddLine(xy.data(), n, width) : obj.AddRing(xy.data(), n);
-            runs[tiles > 0] = testing_support::RunsText(obj);
+            testing_support::CanvasObject c(200, 150);
+            c.dt.footprint.tileCells = tiles;
+            testing_support::Draw(c.obj, xy, width);
+            runs[tiles > 0] = testing_support::RunsText(c.obj);
         }
         ASSERT_EQ(runs[0], runs[1]) << "seed 77, round " << round;
     }
 }
 
 // A label of the world canvas: its rectangle at each candidate.
-struct CityLabel {
-    std::vector<Box> candidates;
-};
+using CityLabel = std::vector<Box>;
 
 // The labels of every city on an equirectangular canvas of 65,536 x 32,768 cells: 7 cells per
 // character plus 2 by 13, at eight places around the point, those off the canvas left out.
@@ -185,9 +152,9 @@ std::vector<CityLabel> WorldLabels(int width, int height) {
         CityLabel l;
         for (const auto& p : at) {
             if (p[0] >= 0 && p[1] >= 0 && p[0] + lw <= width && p[1] + lh <= height)
-                l.candidates.emplace_back(p[0], p[1], p[0] + lw - 1, p[1] + lh - 1);
+                l.emplace_back(p[0], p[1], p[0] + lw - 1, p[1] + lh - 1);
         }
-        if (!l.candidates.empty()) labels.push_back(l);
+        if (!l.empty()) labels.push_back(l);
     }
     return labels;
 }
@@ -207,21 +174,18 @@ std::vector<int> PlaceRectangles(const std::vector<CityLabel>& labels, int width
     };
     std::vector<int> chosen;
     for (const CityLabel& l : labels) {
-        int pick = -1;
-        for (size_t k = 0; k < l.candidates.size() && pick < 0; ++k) {
-            const Box& b = l.candidates[k];
-            const bool hit = each(b, [&](const std::vector<Box>& bucket) {
+        const auto free = std::find_if(l.begin(), l.end(), [&](const Box& b) {
+            return !each(b, [&](const std::vector<Box>& bucket) {
                 return std::any_of(bucket.begin(), bucket.end(),
                                    [&](const Box& p) { return p.IsIntersect(b); });
             });
-            if (!hit) pick = static_cast<int>(k);
-        }
-        if (pick >= 0)
-            each(l.candidates[pick], [&](std::vector<Box>& bucket) {
-                bucket.push_back(l.candidates[pick]);
+        });
+        if (free != l.end())
+            each(*free, [&](std::vector<Box>& bucket) {
+                bucket.push_back(*free);
                 return false;
             });
-        chosen.push_back(pick);
+        chosen.push_back(free == l.end() ? -1 : static_cast<int>(free - l.begin()));
     }
     return chosen;
 }
@@ -237,23 +201,14 @@ TEST(LargeCanvas, WorldCitiesOnAZoomLevelCanvasMatchAPlainRectanglePlacer) {
     std::vector<int> chosen;
     for (const CityLabel& l : labels) {
         CAvoidObject* obj = c.NewObject();
-        const Box& b = l.candidates[0];
-        int ring[] = {b.left,      b.top,        b.right + 1, b.top,
-                      b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
-        obj->AddRing(ring, 8);
-        for (size_t k = 1; k < l.candidates.size(); ++k)
-            obj->OffsetCollection().emplace_back(l.candidates[k].left - b.left,
-                                                 l.candidates[k].top - b.top);
+        const Box& b = l[0];
+        testing_support::AddCellBox(*obj, b);
+        for (size_t k = 1; k < l.size(); ++k)
+            obj->OffsetCollection().emplace_back(l[k].left - b.left, l[k].top - b.top);
         c.Add(obj, false);
-        int pick = -1;
-        for (size_t k = 0;
-             obj->PlacedState() == CAvoidObject::kPlaced && pick < 0 && k < l.candidates.size();
-             ++k) {
-            if (l.candidates[k].left - b.left == obj->Offset().x &&
-                l.candidates[k].top - b.top == obj->Offset().y)
-                pick = static_cast<int>(k);
-        }
-        chosen.push_back(pick);
+        const std::vector<Location>& at = obj->OffsetCollection();
+        const auto pick = std::find(at.begin(), at.end(), obj->Offset()) - at.begin();
+        chosen.push_back(obj->PlacedState() == CAvoidObject::kPlaced ? int(pick) : -1);
     }
     ASSERT_EQ(chosen.size(), expected.size());
     const auto first = std::mismatch(chosen.begin(), chosen.end(), expected.begin());
@@ -261,7 +216,7 @@ TEST(LargeCanvas, WorldCitiesOnAZoomLevelCanvasMatchAPlainRectanglePlacer) {
     // Many labels placed east of column 32,768, and many rejected: a fault there would show.
     long long east = 0;
     for (size_t i = 0; i < labels.size(); ++i)
-        east += expected[i] >= 0 && labels[i].candidates[expected[i]].left > 32768;
+        east += expected[i] >= 0 && labels[i][expected[i]].left > 32768;
     EXPECT_GT(east, 10000);
     EXPECT_GT(std::count(expected.begin(), expected.end(), -1), 20000);
 }

@@ -66,8 +66,7 @@ public:
     }
 
     void Check() {
-        ASSERT_EQ(Tags(m_fast.PlacedObjects()), Tags(m_slow.PlacedObjects()));
-        ASSERT_EQ(Tags(m_fast.UnplacedObjects()), Tags(m_slow.UnplacedObjects()));
+        ASSERT_EQ(testing_support::ListsText(m_fast), testing_support::ListsText(m_slow));
     }
     int placed = 0, rejected = 0;
 
@@ -82,13 +81,6 @@ private:
         const Pair p = v[i];
         v.erase(v.begin() + static_cast<std::ptrdiff_t>(i));
         return p;
-    }
-    static std::vector<std::string> Tags(const std::list<CAvoidObject*>& list) {
-        std::vector<std::string> tags;
-        for (const CAvoidObject* o : list)
-            tags.push_back(o->StringID() + "@" + std::to_string(o->Offset().x) + "," +
-                           std::to_string(o->Offset().y));
-        return tags;
     }
 
     int Coord(int lo, int hi) {
@@ -257,9 +249,7 @@ TEST_P(PlacementDifferential, MatchesTheStraightforwardPass) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenes, PlacementDifferential, testing::ValuesIn(kGenerators),
-                         [](const testing::TestParamInfo<Generator>& info) {
-                             return std::string(info.param.name);
-                         });
+                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
 
@@ -267,26 +257,23 @@ TEST(IndexedPlacement, WorldCitiesMatchTheStraightforwardPass) {
     kxbench::Scene scene = kxbench::WorldCities(2000);
     CPriorityAvoidContainer fast;
     reference::PriorityContainer slow;
-    // Per container: how many are placed after each label, then the offsets of everything placed.
+    // Per container: how many are placed after each label; then the lists with the offsets.
     std::vector<int> chosen[2];
     for (CPriorityAvoidContainer* c : {&fast, static_cast<CPriorityAvoidContainer*>(&slow)}) {
         std::vector<int>& out = chosen[c == &fast ? 0 : 1];
         kxbench::FitToScene(*c, scene);
         for (kxbench::Obstacle& o : scene.forced) {
             CAvoidObject* obj = c->NewObject();
-            const int n = static_cast<int>(o.xy.size());
-            if (o.halfWidth > 0) obj->AddLine(o.xy.data(), n, o.halfWidth);
-            if (o.halfWidth <= 0) obj->AddRing(o.xy.data(), n);
+            testing_support::Draw(*obj, o.xy, o.halfWidth);
             c->Add(obj, true);
         }
         for (const kxbench::Label& l : scene.labels) {
             kxbench::AddLabel(*c, l);
             out.push_back(static_cast<int>(c->PlacedObjects().size()));
         }
-        for (const CAvoidObject* obj : c->PlacedObjects())
-            out.insert(out.end(), {obj->Offset().x, obj->Offset().y});
     }
     EXPECT_EQ(chosen[0], chosen[1]);
+    EXPECT_EQ(testing_support::ListsText(fast), testing_support::ListsText(slow));
     // Real data collides: a good share of the labels is rejected, and most find a place.
     EXPECT_GT(slow.UnplacedObjects().size(), scene.labels.size() / 20);
     EXPECT_GT(slow.PlacedObjects().size(), scene.forced.size() + scene.labels.size() / 4);

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <random>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "placement/AvoidContainer.h"
@@ -14,37 +13,35 @@
 
 namespace {
 
+using testing_support::Draw;
 using testing_support::RunsText;
 using testing_support::SetCanvas;
 
 // The cells [x, x + w) x [y, y + h): a ring on cell corners, or its rows as runs.
 void AddSquare(CAvoidObject* obj, int x, int y, int w, int h, bool runs = false) {
-    int ring[] = {x, y, x + w, y, x + w, y + h, x, y + h};
     for (int row = y; runs && row < y + h; ++row)
         obj->AddRLE(row, x, x + w - 1);
-    if (runs) obj->RecordMaxRLE();
-    if (!runs) obj->AddRing(ring, 8);
+    runs ? obj->RecordMaxRLE() : testing_support::AddCellBox(*obj, Box(x, y, x + w - 1, y + h - 1));
 }
 
 // The sequence that once left a freed object in the index of placed objects: a placed object is
 // recycled, handed out again and deleted by the caller, then the container is used and destroyed.
 TEST(ObjectLifetime, RecycledPlacedObjectHandedOutAndDeletedIsNeverReadAgain) {
     for (const bool addAfter : {true, false}) {
-        auto* c = new CPriorityAvoidContainer();
-        SetCanvas(*c->DT(), 64, 64);
-        CAvoidObject* a = c->NewObject();
+        CPriorityAvoidContainer c;  // destroyed at the end of the round
+        SetCanvas(*c.DT(), 64, 64);
+        CAvoidObject* a = c.NewObject();
         AddSquare(a, 10, 10, 8, 8);
-        c->Add(a, false);
-        c->Recycle(a);
-        ASSERT_EQ(c->NewObject(), a);
+        c.Add(a, false);
+        c.Recycle(a);
+        ASSERT_EQ(c.NewObject(), a);
         delete a;
         if (addAfter) {
-            CAvoidObject* other = c->NewObject();
+            CAvoidObject* other = c.NewObject();
             AddSquare(other, 12, 12, 8, 8);
-            c->Add(other, false);
+            c.Add(other, false);
             EXPECT_EQ(other->PlacedState(), CAvoidObject::kPlaced);  // the deleted one is gone
         }
-        delete c;
     }
 }
 
@@ -115,23 +112,18 @@ TEST(Sweep, PolygonsOverFullRowsAndRectanglesOnCellCornersSkipIt) {
     testing_support::SetCanvas(*c.DT(), 100, 100);
     const agg::outline& outline = c.DT()->raster.get_outline();
     CAvoidObject* obj = c.NewObject();
-    AddSquare(obj, 0, 10, 100, 10);  // rows 10-19, held as one rectangle
-    int above[] = {5, 2, 20, 2, 5, 6}, below[] = {5, 30, 20, 30, 5, 40};
-    obj->AddRing(above, 6);
-    obj->AddRing(below, 6);
+    AddSquare(obj, 0, 10, 100, 10);         // rows 10-19, held as one rectangle
+    Draw(*obj, {5, 2, 20, 2, 5, 6}, 0);     // above
+    Draw(*obj, {5, 30, 20, 30, 5, 40}, 0);  // below
     EXPECT_TRUE(obj->Grid().IsExist(3, 6) && obj->Grid().IsExist(32, 6));
     const unsigned swept = outline.cell_count();
     const size_t cells = testing_support::CellsOf(*obj).size();
     // Down to the last full row and past the canvas's right edge; left of the canvas, touching it.
-    int over[] = {50, 12, 130, 12, 50, 20}, outside[] = {-2, 50, 0, 50, -2, 52};
-    obj->AddRing(over, 6);
-    obj->AddRing(outside, 6);
-    int horizontalFirst[] = {10, 60, 30, 60, 30, 70, 10, 70};
-    int verticalFirst[] = {40, 60, 40, 70, 60, 70, 60, 60, 40, 60};
-    int stroke[] = {10, 90, 60, 90};
-    obj->AddRing(horizontalFirst, 8);
-    obj->AddRing(verticalFirst, 10);
-    obj->AddLine(stroke, 4, 3);
+    Draw(*obj, {50, 12, 130, 12, 50, 20}, 0);
+    Draw(*obj, {-2, 50, 0, 50, -2, 52}, 0);
+    Draw(*obj, {10, 60, 30, 60, 30, 70, 10, 70}, 0);          // horizontal side first
+    Draw(*obj, {40, 60, 40, 70, 60, 70, 60, 60, 40, 60}, 0);  // vertical side first, closed
+    Draw(*obj, {10, 90, 60, 90}, 3);                          // a stroke along an axis
     EXPECT_EQ(outline.cell_count(), swept);
     EXPECT_EQ(testing_support::CellsOf(*obj).size(), cells + 20 * 10 + 20 * 10 + 50 * 6);
     c.Recycle(obj);

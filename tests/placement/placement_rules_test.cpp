@@ -93,9 +93,8 @@ TEST_P(ContainerRules, Outcome) {
                       std::make_tuple(0, 0LL, c.DT(), true, size_t{1}))
                 << s;
             const Shape& sh = kShapes.at(s.back());
-            int ring[] = {sh.x,           sh.y,           sh.x + sh.size, sh.y,
-                          sh.x + sh.size, sh.y + sh.size, sh.x,           sh.y + sh.size};
-            obj->AddRing(ring, 8);
+            testing_support::AddCellBox(*obj,
+                                        Box(sh.x, sh.y, sh.x + sh.size - 1, sh.y + sh.size - 1));
             obj->OffsetCollection().insert(obj->OffsetCollection().end(), sh.offsets.begin(),
                                            sh.offsets.end());
             obj->ID(s.back());
@@ -111,18 +110,17 @@ TEST_P(ContainerRules, Outcome) {
         if (s[0] == 'C') obj->OffsetCollection().clear();
         if (s[0] == 'S') obj->PlacedState(7);
     }
-    std::string got;
+    std::ostringstream got;
     for (const auto* list : {&c.PlacedObjects(), &c.UnplacedObjects()}) {
         for (const CAvoidObject* obj : *list)
-            got += static_cast<char>(obj->ID());
-        got += "|";
+            got << static_cast<char>(obj->ID());
+        got << '|';
     }
     for (const auto& [name, obj] : named) {
-        got += std::string(got.back() == '|' ? "" : " ") + name +
-               std::to_string(obj->PlacedState()) + "(" + std::to_string(obj->Offset().x) + "," +
-               std::to_string(obj->Offset().y) + ")";
+        got << (name == named.begin()->first ? "" : " ") << name << obj->PlacedState() << '('
+            << obj->Offset().x << ',' << obj->Offset().y << ')';
     }
-    EXPECT_EQ(got, GetParam().outcome);
+    EXPECT_EQ(got.str(), GetParam().outcome);
     for (CAvoidObject* obj : held)
         obj->PlacedState(0), c.Recycle(obj);
     c.Add(nullptr, false);  // ignored
@@ -182,24 +180,19 @@ TEST(CollisionRules, BothWays) {
 // (5, 5)-(6, 6): the quarter search on its own cells, and the box test, where the coarse extent
 // (0, 0)-(9, 9) decides first.
 TEST(CollisionProbes, QuarterSearchAndBoxTest) {
-    struct Probe {
-        bool centre;
-        Box box;
-        bool exist, intersect;
-    };
-    const Probe probes[] = {
+    // Whether (0, 0) is a cell, the probe, then what IsExistRLE and IsIntersect answer.
+    const std::tuple<bool, Box, bool, bool> probes[] = {
         {false, Box(0, 0, 1, 0), true, true},              // centre (0, 0) free, the other cell not
         {false, Box(6, 6, 5, 5), false, true},             // inverted: the box rule still meets
         {true, Box(100, 100, -100, -100), true, false},    // its centre is (0, 0); off the extent
         {true, Box(INT_MAX, 0, INT_MIN, 0), true, false},  // wrapping centres: the cells between
         {true, Box(INT_MAX, 1, INT_MIN, 1), false, false},
     };
-    for (const Probe& p : probes) {
+    for (auto [centre, box, exist, intersect] : probes) {
         CAvoidObject a;
-        Build(a, p.centre ? "0:1-1 9:9-9 0:0-0 ! b5,5,6,6" : "0:1-1 9:9-9 ! b5,5,6,6");
-        Box box = p.box;
-        EXPECT_EQ(a.IsExistRLE(p.box), p.exist) << p.box.left << "," << p.box.top;
-        EXPECT_EQ(a.IsIntersect(box), p.intersect) << p.box.left << "," << p.box.top;
+        Build(a, centre ? "0:1-1 9:9-9 0:0-0 ! b5,5,6,6" : "0:1-1 9:9-9 ! b5,5,6,6");
+        EXPECT_EQ(a.IsExistRLE(box), exist) << box.left << "," << box.top;
+        EXPECT_EQ(a.IsIntersect(box), intersect) << box.left << "," << box.top;
     }
 }
 

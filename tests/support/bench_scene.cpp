@@ -7,6 +7,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "test_support.h"
+
 namespace kxbench {
 namespace {
 
@@ -76,10 +78,8 @@ void AddPieces(const std::vector<std::vector<double>>& lines, Scene& s) {
     for (const auto& lonLat : lines) {
         std::vector<int> xy;
         xy.reserve(lonLat.size());
-        for (size_t i = 0; i + 1 < lonLat.size(); i += 2) {
-            xy.push_back(WorldX(lonLat[i]));
-            xy.push_back(WorldY(lonLat[i + 1]));
-        }
+        for (size_t i = 0; i + 1 < lonLat.size(); i += 2)
+            xy.insert(xy.end(), {WorldX(lonLat[i]), WorldY(lonLat[i + 1])});
         for (auto& piece : SplitPolyline(xy, kPieceSpan))
             s.forced.push_back({std::move(piece), 1});
     }
@@ -150,9 +150,7 @@ void AddLabel(CAvoidContainer& c, const Label& l, long long id) {
     CAvoidObject* obj = c.NewObject();
     const Box& b = l.box;
     obj->ID(id);
-    int ring[] = {b.left,      b.top,        b.right + 1, b.top,
-                  b.right + 1, b.bottom + 1, b.left,      b.bottom + 1};
-    obj->AddRing(ring, 8);
+    testing_support::AddCellBox(*obj, b);
     auto& offsets = obj->OffsetCollection();
     offsets.insert(offsets.end(), l.offsets.begin(), l.offsets.end());
     c.Add(obj, false);

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "placement/AvoidContainer.h"
 
@@ -41,18 +42,60 @@ inline CellSet CellsOf(const CAvoidObject& obj) {
     return cells;
 }
 
-// The run extent, then every stored row with its runs as written ("row: first-last ...").
-inline std::string RunsText(const CAvoidObject& obj) {
+// The run extent, then every stored row with its runs as written ("row: first-last ..."), all
+// moved back by (dx, dy), but for the extent of no runs, which stays where it is.
+inline std::string RunsText(const CAvoidObject& obj, long long dx = 0, long long dy = 0) {
     std::ostringstream out;
     const Box& e = obj.RLEMaxExtent();
-    out << "extent " << e.left << ',' << e.top << ',' << e.right << ',' << e.bottom;
+    const long long ex = e.IsValid() ? dx : 0, ey = e.IsValid() ? dy : 0;
+    out << "extent " << e.left - ex << ',' << e.top - ey << ',' << e.right - ex << ','
+        << e.bottom - ey;
     const CRLEIndexQuery& grid = obj.Grid();
     for (int row = grid.StartRow(); !grid.IsEmpty() && row <= grid.EndRow(); ++row) {
-        out << "\n" << row << ':';
+        out << "\n" << row - dy << ':';
         for (const RLE& run : *grid.RowRuns(row))
-            out << ' ' << run.start << '-' << run.end;
+            out << ' ' << run.start - dx << '-' << run.end - dx;
     }
     return out.str();
+}
+
+// The placed list, then the unplaced one: "id:state@x,y " for each object at its current offset,
+// the string ID when it has one, else the number.
+inline std::string ListsText(const CAvoidContainer& c) {
+    std::ostringstream out;
+    for (const auto* list : {&c.PlacedObjects(), &c.UnplacedObjects()}) {
+        for (const CAvoidObject* o : *list) {
+            if (o->StringID().empty()) out << o->ID();
+            out << o->StringID() << ':' << o->PlacedState() << '@' << o->Offset().x << ','
+                << o->Offset().y << ' ';
+        }
+        out << '\n';
+    }
+    return out.str();
+}
+
+// An object on a w x h canvas of its own.
+struct CanvasObject {
+    CDT dt;
+    CAvoidObject obj;
+    CanvasObject(long long w, long long h) {
+        SetCanvas(dt, w, h);
+        obj.Reset();
+        obj.DT(&dt);
+    }
+};
+
+// Draws the points (x, y, ... in cells) as a ring when width is 0 or less, else as a line of that
+// half-width.
+inline void Draw(CAvoidObject& obj, std::vector<int> xy, int width) {
+    const int n = static_cast<int>(xy.size());
+    width > 0 ? obj.AddLine(xy.data(), n, width) : obj.AddRing(xy.data(), n);
+}
+
+// Adds the cells of the box as the ring around them.
+inline void AddCellBox(CAvoidObject& obj, const Box& b) {
+    Draw(obj, {b.left, b.top, b.right + 1, b.top, b.right + 1, b.bottom + 1, b.left, b.bottom + 1},
+         0);
 }
 
 // The cells of [x0, x1) x [y0, y1).
