@@ -137,8 +137,8 @@ TEST(Blockers, FirstCollidingObjectPlacedBeforeEachOffset) {
     }
 }
 
-// Placed objects taken back no longer block; rejected ones taken back, placed objects and objects
-// never added have no blockers; a reset forgets the pass.
+// Placed objects taken back no longer block; rejected ones taken back, placed objects (a rejected
+// one added again included) and objects never added have no blockers; a reset forgets the pass.
 TEST(Blockers, FollowsRecycleAndReset) {
     for (uint32_t seed = 200; seed <= 215; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
@@ -153,7 +153,10 @@ TEST(Blockers, FollowsRecycleAndReset) {
             scene.m_fast.Recycle(placed[size_t(scene.m_rnd(0, int(placed.size()) - 1))]);
         }
         EXPECT_GE(CheckBlockers(scene), 10u);
-        CAvoidObject* rejected = scene.m_fast.UnplacedObjects().front();
+        CAvoidObject* rejected = scene.m_fast.UnplacedObjects().back();
+        scene.m_fast.Add(rejected, true);  // placed, and still listed as rejected
+        EXPECT_TRUE(scene.m_fast.Blockers(rejected).empty());
+        rejected = scene.m_fast.UnplacedObjects().front();
         scene.m_fast.Recycle(rejected);
         EXPECT_TRUE(scene.m_fast.Blockers(rejected).empty());
         EXPECT_TRUE(scene.m_fast.Blockers(scene.Placed().front()).empty());

@@ -92,3 +92,15 @@ TEST(Transform, FitsExtentToTheDeviceAndMapsTowardZero) {
 }
 
 }  // namespace
+
+// The scratch buffer keeps its bytes as it grows, shrinks without reallocating, and frees what it
+// holds, a single byte included (the sanitized build reports a leak).
+TEST(GrowBuffer, GrowsKeepingItsBytesAndFreesEveryBlock) {
+    CGrowBuffer one, grown;
+    ASSERT_TRUE(one.SetSize(1) && grown.SetSize(2));
+    one.data[0] = grown.data[0] = 42;
+    ASSERT_TRUE(grown.SetSize(300) && grown.SetSize(7));
+    EXPECT_EQ(
+        std::make_tuple(+one.data[0], one.capacity, +grown.data[0], grown.size, grown.capacity),
+        std::make_tuple(42, 1u, 42, 7u, 300u));
+}

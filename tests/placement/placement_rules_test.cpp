@@ -174,6 +174,17 @@ TEST(CollisionRules, BothWays) {
         EXPECT_EQ(got, expected) << "a: " << fa << ", b: " << fb;
         EXPECT_FALSE(a.IsIntersect(nullptr));
     }
+    // A first run widened past the next leaves ends out of order (0-30, 2-3, 40-50): the row's
+    // lookup finds cell 10 free, and so must the footprint test from either side.
+    CAvoidObject a, b;
+    Build(a, "5:0-0 5:2-3 5:40-50");
+    for (int end = 1; end <= 30; ++end)
+        a.AddRLE(5, 0, end);
+    a.RecordMaxRLE();
+    Build(b, "5:10-10 6:0-0 !");
+    EXPECT_EQ(
+        (std::vector<bool>{a.IsExistRLE(Box(10, 5, 10, 5)), a.IsIntersect(&b), b.IsIntersect(&a)}),
+        (std::vector<bool>{false, false, false}));
 }
 
 // Probes of an object with cells (1, 0), (9, 9) and, when `centre`, (0, 0), and the box
