@@ -1,5 +1,5 @@
-// Uses the installed library as a native user would: the grid index saved to memory and to the
-// file named by the first argument and loaded back, a small placement pass, and the version.
+// Uses the installed library as a native user would: the grid index saved to the file named by
+// the first argument and loaded back, a small placement pass, and the version.
 // Exit status 0 when everything matches.
 #include <KXAvoidContainer/KXAvoidContainer.h>
 #include <KXAvoidContainer/index/RLEIndex.h>
@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <vector>
 
 namespace {
 int Fail(const char* what) {
@@ -15,29 +14,23 @@ int Fail(const char* what) {
     return 1;
 }
 
-// Nine cells of level -2, with three bytes of metadata, through memory and through the file.
+// Nine cells of level -2 with three bytes of metadata, saved to the file and loaded back.
 bool IndexRoundTrips(const char* path) {
-    CRLEIndex index, fromMemory, fromFile;
+    CRLEIndex index, loaded;
     auto* level = new CRLEIndexCreate();
     level->Level(-2);
     level->Add(-5, 10, 3);
     level->Add(7, -1);
     index.Append(level);
     index.Metadata(reinterpret_cast<const unsigned char*>("map"), 3);
-    std::vector<unsigned char> block(static_cast<size_t>(index.BlockLength()));
-    const int written = index.Save(block.data(), static_cast<int>(block.size()));
-    index.Save(path);
-    const bool read = fromMemory.Load(block.data(), written) == written && fromFile.Load(path);
+    index.Save(path);  // false whatever happens: the load tells
+    const bool read = loaded.Load(path);
     std::remove(path);
-    for (CRLEIndex* loaded : {&fromMemory, &fromFile}) {
-        CRLEIndexCursor cursor(loaded);
-        int cells = 0, l = 0, r = 0, c = 0;
-        while (cursor.Next(&l, &r, &c))
-            ++cells;
-        if (cells != 9 || !loaded->IsExist(-2, 7, -1) || loaded->MetaData(nullptr, 0) != 3)
-            return false;
-    }
-    return read;
+    CRLEIndexCursor cursor(&loaded);
+    int cells = 0, l = 0, r = 0, c = 0;
+    while (cursor.Next(&l, &r, &c))
+        ++cells;
+    return read && cells == 9 && loaded.IsExist(-2, 7, -1) && loaded.MetaData(nullptr, 0) == 3;
 }
 
 // A forced 10 x 10 square, then a square over it that can move 20 cells right: placed there.
