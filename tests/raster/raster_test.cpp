@@ -207,8 +207,7 @@ TEST(Outline, EdgesAfterCellsAreIgnoredUntilMoveToAndResetDropsTheOpenContour) {
     agg::outline fresh;
     Polygon(o, {{kCell / 2, 0}, {40 * kCell, 17 * kCell}});  // left open
     o.reset();
-    // Begun with cover in the last cell of the 16-bit range, whose key the empty current cell
-    // carries.
+    // Cover first in cell (32767, 32767), whose key the empty current cell carries.
     const int m = 32767 * kCell;
     for (agg::outline* p : {&o, &fresh})
         Polygon(*p, {{m + 200, m + 100}, {m - 1500, m - 1200}, {m + 9, m - 900}});
