@@ -69,11 +69,11 @@ std::vector<agg::cell> CheckedCells(agg::outline& o) {
     return out;
 }
 
-// Key, cover and area of every cell, in order.
-std::vector<std::tuple<int, int, int>> Sums(agg::outline& o) {
-    std::vector<std::tuple<int, int, int>> out;
+// Column, row, key, cover and area of every cell, in order.
+std::vector<std::vector<int>> Sums(agg::outline& o) {
+    std::vector<std::vector<int>> out;
     for (const agg::cell& c : CheckedCells(o))
-        out.emplace_back(c.packed, c.cover, c.area);
+        out.push_back({c.x, c.y, c.packed, c.cover, c.area});
     return out;
 }
 
@@ -205,11 +205,12 @@ TEST(Outline, EdgesAfterCellsAreIgnoredUntilMoveToAndResetDropsTheOpenContour) {
     ASSERT_NE(o.cells(), nullptr);
     EXPECT_EQ(std::make_pair(o.cell_count(), o.min_y()), std::make_pair(2u, 10));
     agg::outline fresh;
-    o.move_to(kCell / 2, 0);
-    o.line_to(40 * kCell, 17 * kCell);  // left open
+    Polygon(o, {{kCell / 2, 0}, {40 * kCell, 17 * kCell}});  // left open
     o.reset();
+    // Cover first in cell (32767, 32767), whose key the empty current cell carries.
+    const int m = 32767 * kCell;
     for (agg::outline* p : {&o, &fresh})
-        Rect(*p, 3 * kCell + 5, kCell, 9 * kCell + 200, 6 * kCell + 1);
+        Polygon(*p, {{m + 200, m + 100}, {m - 1500, m - 1200}, {m + 9, m - 900}});
     EXPECT_EQ(Sums(o), Sums(fresh));
 }
 
