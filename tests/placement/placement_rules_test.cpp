@@ -178,6 +178,7 @@ TEST(CollisionRules, BothWays) {
     // lookup finds cell 10 free, and so must the footprint test from either side.
     CAvoidObject a, b;
     Build(a, "5:0-0 5:2-3 5:40-50");
+    ASSERT_TRUE(a.RowsRegular());  // found regular, then changed
     for (int end = 1; end <= 30; ++end)
         a.AddRLE(5, 0, end);
     a.RecordMaxRLE();
