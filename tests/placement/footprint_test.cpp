@@ -36,10 +36,11 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
         {{10, 10, 10, 10, 20, 10, 20, 20, 99},
          1,
          Union(RectCells(10, 9, 20, 11), RectCells(19, 10, 21, 20))},
-        // Segments left of the canvas are skipped, one running into it is clipped.
-        {{-30, 10, -10, 10, -10, 30, 30, 30}, 1, RectCells(0, 29, 30, 31)},
-        {{10, -3, 40, -3}, 5, {}},  // would reach rows 0..1: skipped by its points
-        {{-1000000, 30, 3000000, 30}, 3, RectCells(0, 27, 100, 33)},
+        // Segments along the canvas's edges keep the cells inside; those outside it are skipped,
+        // even where they would reach in; one running into it is clipped.
+        {{30, 0, 0, 0, 0, 60}, 1, Union(RectCells(0, 0, 30, 1), RectCells(0, 0, 1, 60))},
+        {{40, -3, -3, -3, -3, 63, 40, 63}, 5, {}},
+        {{-1000000, 60, 3000000, 60}, 3, RectCells(0, 57, 100, 60)},
         // A ring fills what it encloses (the raster tests compare the even-odd rule with a model).
         {{10, 20, 30, 20, 30, 25, 10, 25}, 0, RectCells(10, 20, 30, 25)},
     };

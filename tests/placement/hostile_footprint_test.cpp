@@ -70,7 +70,7 @@ TEST(HostileFootprint, RingOverFullRowsStillExhaustsTheOutline) {
     pair.Draw({-100, 5, 300, 5}, 5);
     std::vector<int> zigzag;
     for (int i = 0; i < 20000; ++i)
-        zigzag.insert(zigzag.end(), {i % 2 == 0 ? -10 : 210, i % 2 == 0 ? 1 : 9});
+        zigzag.insert(zigzag.end(), {i % 2 == 0 ? -210 : 210, i % 2 == 0 ? 1 : 9});
     pair.Draw(zigzag, -1);
     pair.Draw({20, 100, 180, 100}, 3);
     EXPECT_EQ(RunsText(pair.fast.obj), RunsText(pair.full.obj));
