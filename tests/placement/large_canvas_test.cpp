@@ -1,15 +1,13 @@
 // Placement on canvases far beyond the rasterizer's 16-bit range: a scene moved by whole cells
-// must be placed exactly as it was, and rectangle labels of the world's cities on a zoom-level
-// canvas as a plain rectangle placer places them.
+// must be placed exactly as it was, and polygons drawn in tiles keep the cells of drawing them
+// whole.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "bench_scene.h"
 #include "test_support.h"
 
 namespace {
@@ -134,89 +132,4 @@ TEST(LargeCanvas, TilesGiveTheCellsOfTheWholePolygon) {
     }
 }
 
-// A label of the world canvas: its rectangle at each candidate.
-using CityLabel = std::vector<Box>;
-
-// The labels of every city on an equirectangular canvas of 65,536 x 32,768 cells: 7 cells per
-// character plus 2 by 13, at eight places around the point, those off the canvas left out.
-std::vector<CityLabel> WorldLabels(int width, int height) {
-    std::vector<CityLabel> labels;
-    for (const kxbench::City& c : kxbench::WorldData().cities) {
-        const int px = static_cast<int>(std::floor((c.lon + 180.0) / 360.0 * width));
-        const int py = static_cast<int>(std::floor((90.0 - c.lat) / 360.0 * width));
-        const int lw = 7 * c.nameLength + 2, lh = 13;
-        const int at[8][2] = {{px + 4, py - 6},           {px - 4 - lw, py - 6},
-                              {px - lw / 2, py - 4 - lh}, {px - lw / 2, py + 4},
-                              {px + 3, py - 3 - lh},      {px + 3, py + 3},
-                              {px - 3 - lw, py - 3 - lh}, {px - 3 - lw, py + 3}};
-        CityLabel l;
-        for (const auto& p : at) {
-            if (p[0] >= 0 && p[1] >= 0 && p[0] + lw <= width && p[1] + lh <= height)
-                l.emplace_back(p[0], p[1], p[0] + lw - 1, p[1] + lh - 1);
-        }
-        if (!l.empty()) labels.push_back(l);
-    }
-    return labels;
-}
-
-// The plain placer: placed rectangles filed in square buckets, each candidate tested against the
-// rectangles of the buckets it meets, the first free one taken. The chosen candidate per label,
-// -1 for none.
-std::vector<int> PlaceRectangles(const std::vector<CityLabel>& labels, int width, int height) {
-    const int shift = 8;
-    const int columns = (width >> shift) + 1;
-    std::vector<std::vector<Box>> buckets(static_cast<size_t>(columns) * ((height >> shift) + 1));
-    const auto each = [&](const Box& b, auto&& visit) {
-        for (int y = b.top >> shift; y <= b.bottom >> shift; ++y)
-            for (int x = b.left >> shift; x <= b.right >> shift; ++x)
-                if (visit(buckets[static_cast<size_t>(y) * columns + x])) return true;
-        return false;
-    };
-    std::vector<int> chosen;
-    for (const CityLabel& l : labels) {
-        const auto free = std::find_if(l.begin(), l.end(), [&](const Box& b) {
-            return !each(b, [&](const std::vector<Box>& bucket) {
-                return std::any_of(bucket.begin(), bucket.end(),
-                                   [&](const Box& p) { return p.IsIntersect(b); });
-            });
-        });
-        if (free != l.end())
-            each(*free, [&](std::vector<Box>& bucket) {
-                bucket.push_back(*free);
-                return false;
-            });
-        chosen.push_back(free == l.end() ? -1 : static_cast<int>(free - l.begin()));
-    }
-    return chosen;
-}
-
 }  // namespace
-
-TEST(LargeCanvas, WorldCitiesOnAZoomLevelCanvasMatchAPlainRectanglePlacer) {
-    const int width = 65536, height = 32768;
-    const std::vector<CityLabel> labels = WorldLabels(width, height);
-    const std::vector<int> expected = PlaceRectangles(labels, width, height);
-    CPriorityAvoidContainer c;
-    testing_support::SetCanvas(*c.DT(), width, height);
-    std::vector<int> chosen;
-    for (const CityLabel& l : labels) {
-        CAvoidObject* obj = c.NewObject();
-        const Box& b = l[0];
-        testing_support::AddCellBox(*obj, b);
-        for (size_t k = 1; k < l.size(); ++k)
-            obj->OffsetCollection().emplace_back(l[k].left - b.left, l[k].top - b.top);
-        c.Add(obj, false);
-        const std::vector<Location>& at = obj->OffsetCollection();
-        const auto pick = std::find(at.begin(), at.end(), obj->Offset()) - at.begin();
-        chosen.push_back(obj->PlacedState() == CAvoidObject::kPlaced ? int(pick) : -1);
-    }
-    ASSERT_EQ(chosen.size(), expected.size());
-    const auto first = std::mismatch(chosen.begin(), chosen.end(), expected.begin());
-    EXPECT_TRUE(first.first == chosen.end()) << "label " << first.first - chosen.begin();
-    // Many labels placed east of column 32,768, and many rejected: a fault there would show.
-    long long east = 0;
-    for (size_t i = 0; i < labels.size(); ++i)
-        east += expected[i] >= 0 && labels[i][expected[i]].left > 32768;
-    EXPECT_GT(east, 10000);
-    EXPECT_GT(std::count(expected.begin(), expected.end(), -1), 20000);
-}
