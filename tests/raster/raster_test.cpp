@@ -192,6 +192,8 @@ TEST(Outline, BoundsCountTouchedRowsAndColumns) {
     agg::outline next;  // columns next to each other
     Polygon(next, {{4 * kCell, 0}, {5 * kCell + 1, kCell}});
     EXPECT_EQ(bounds(next), (std::vector<int>{4, 0, 6, 2}));
+    next.cover(-3, 9, 256);  // a cover carried in from beside a tile touches its cell
+    EXPECT_EQ(bounds(next), (std::vector<int>{-3, 0, 6, 10}));
 }
 
 TEST(Outline, EdgesAfterCellsAreIgnoredUntilMoveToAndResetDropsTheOpenContour) {
