@@ -245,6 +245,8 @@ TEST(RleBlock, IndexLoadStopsAtRefusedLevelAndKeepsMetadataOnBadHeader) {
     EXPECT_EQ(LoadExact(index, Cat({kHeader, BE({37}), kSmallLevel})), 8);
     EXPECT_EQ(index.LevelCount(), 0);
     EXPECT_EQ(LoadExact(index, kHeader), 8);  // the header alone is a whole block
+    unsigned char none[1];
+    EXPECT_EQ(index.MetaData(none, 1), 0);  // and holds no metadata to copy
     EXPECT_EQ(LoadExact(index, Cat({kHeader, kSmallLevel, BE({28, 0, 4, 3, 2, 0, 1, 4, 6})})), 44);
     EXPECT_EQ(Dump(index), (std::vector<std::vector<int>>{{2, 2}, {2, 10, 2, 1, 5, 7, 0}}));
     EXPECT_EQ(LoadExact(index, Cat({kHeader, kSmallLevel, kWrappingBand})), 44);
