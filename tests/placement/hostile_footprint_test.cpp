@@ -74,14 +74,16 @@ TEST(HostileFootprint, RingOverFullRowsStillExhaustsTheOutline) {
     for (int t = 0; t < 262; ++t)
         comb.insert(comb.end(), {2 * t, 8000, 2 * t + 1, 8000, 2 * t + 1, 0, 2 * t + 2, 0});
     for (const auto& [ring, w, rows] : {std::tuple{zigzag, 200, 10}, {comb, 530, 8000}}) {
-        Pair pair(w, rows + 20), full(w, rows + 20);
-        for (Pair* p : {&pair, &full})
-            p->Draw({-100, rows / 2, w + 100, rows / 2}, rows / 2);
+        const std::vector<int> fill = {-100, rows / 2, w + 100, rows / 2};
+        Pair pair(w, rows + 20);
+        testing_support::CanvasObject full(w, rows + 20);  // the full rows alone
+        testing_support::Draw(full.obj, fill, rows / 2);
+        pair.Draw(fill, rows / 2);
         pair.Draw(ring, -1);
         pair.Draw({20, rows + 10, 180, rows + 10}, 3);
         // (Runs of 8,000 rows: compared, not printed.)
         EXPECT_TRUE(RunsText(pair.fast.obj) == RunsText(pair.full.obj)) << "shortcut " << rows;
-        EXPECT_TRUE(RunsText(pair.full.obj) == RunsText(full.full.obj)) << "not exhausted " << rows;
+        EXPECT_TRUE(RunsText(pair.full.obj) == RunsText(full.obj)) << "not exhausted " << rows;
     }
     // On a canvas wider than the clip window, strokes past its right edge, before and over rows
     // full across it, in one call.

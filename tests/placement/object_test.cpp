@@ -91,8 +91,6 @@ TEST(Transform, FitsExtentToTheDeviceAndMapsTowardZero) {
               (std::vector<int>{INT_MAX, INT_MIN, INT_MIN}));
 }
 
-}  // namespace
-
 // The scratch buffer keeps its bytes as it grows, shrinks without reallocating, and frees what it
 // holds, a single byte included (the sanitized build reports a leak).
 TEST(GrowBuffer, GrowsKeepingItsBytesAndFreesEveryBlock) {
@@ -104,3 +102,5 @@ TEST(GrowBuffer, GrowsKeepingItsBytesAndFreesEveryBlock) {
         std::make_tuple(+one.data[0], one.capacity, +grown.data[0], grown.size, grown.capacity),
         std::make_tuple(42, 1u, 42, 7u, 300u));
 }
+
+}  // namespace
