@@ -261,13 +261,16 @@ TEST(RleIndex, LevelsAppendedOwnedQueriedWalkedAndCleared) {
         index.Append(NewLevel(3, {}));
         // The last row holds two runs in a block of two: the sanitized build sees a read past it.
         index.Append(NewLevel(5, {{1, 4, 4}, {1, 6, 6}}));
+        CRLEIndexCreate* negative = NewLevel(-1, {});
+        index.Append(negative);
         index.Append(nullptr);  // ignored
         // Any level of the asked number may hold the cell; other numbers never answer.
         EXPECT_EQ((std::vector<int>{index.MinLevel(), index.MaxLevel(), index.LevelCount(),
                                     index.Count(), index.IsExist(5, 1, 4), index.IsExist(2, 0, 1)}),
-                  (std::vector<int>{2, 5, 4, 9, 1, 0}));
-        using Levels = std::pair<CRLEIndexQuery*, CRLEIndexQuery*>;
-        EXPECT_EQ(Levels(index.LevelIndex(5), index.LevelIndex(4)), Levels(first, nullptr));
+                  (std::vector<int>{-1, 5, 5, 9, 1, 0}));
+        EXPECT_EQ((std::vector<CRLEIndexQuery*>{index.LevelIndex(5), index.LevelIndex(4),
+                                                index.LevelIndex(-1), index.LevelIndex(-2)}),
+                  (std::vector<CRLEIndexQuery*>{first, nullptr, negative, nullptr}));
         // Level by level in append order, empty levels skipped.
         CRLEIndexCursor cursor(&index);
         const Cells cells = {{5, 0, 0},  {5, 0, 1},  {5, 0, 2}, {2, -4, 7}, {2, 0, 10},

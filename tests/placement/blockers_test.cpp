@@ -157,7 +157,8 @@ TEST(Blockers, FollowsRecycleAndReset) {
         scene.m_fast.Add(rejected, true);  // placed, and still listed as rejected
         EXPECT_TRUE(scene.m_fast.Blockers(rejected).empty());
         rejected = scene.m_fast.UnplacedObjects().front();
-        scene.m_fast.Recycle(rejected);
+        EXPECT_FALSE(scene.m_fast.Blockers(rejected).empty());
+        scene.m_fast.Recycle(rejected);  // the placed list as it was
         EXPECT_TRUE(scene.m_fast.Blockers(rejected).empty());
         EXPECT_TRUE(scene.m_fast.Blockers(scene.Placed().front()).empty());
         CAvoidObject* fresh = scene.m_fast.NewObject();

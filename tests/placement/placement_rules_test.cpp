@@ -50,7 +50,8 @@ const Script kScripts[] = {
     {"ResetPoolsPlacedThenUnplacedInOrder", "+c +a +b +d Pa Pc Pd Pb X. Ra =a =c =b =d",
      "||a0(0,0) b0(0,0) c0(0,0) d0(0,0)"},
     {"ReusedObjectDrawsOnlyItsNewShape", "+g Fg X. =gb Pb", "b||b1(0,0) g1(0,0)"},
-    {"RecycleTakesTheFirstNodeByState", "+a +d Pa Fa Pd Rd Ra", "a||a1(0,0) d2(0,0)"},
+    {"RecycleTakesTheFirstNodeByState", "+a +b +d Pa Pb Fa Pd Rd Ra",
+     "ba||a1(0,0) b1(0,0) d2(0,0)"},
     // k placed twice and recycled once is still filed and watched: reused as b, it blocks as b.
     {"ObjectPlacedTwiceRecycledOnceStaysWatched", "+k Fk Fk Rk =kb +f Pf",
      "bf||b0(0,0) f1(0,0) k0(0,0)"},
