@@ -67,23 +67,28 @@ TEST(HostileFootprint, RingOverFullRowsStillExhaustsTheOutline) {
     // Rows full, then a ring inside them whose outline stores more cells than the outline holds:
     // it adds no cell, yet it must be drawn, since it leaves the outline unable to store the cells
     // of the stroke that follows. The zigzag crosses column 0. The comb (teeth 8,000 rows tall)
-    // stores just enough cells to fill the last block: only a close estimate keeps it drawn.
+    // stores just enough cells to fill the last block: only a close estimate keeps it drawn. The
+    // same again drawn in one tile, which the tile's own estimate must keep drawn.
     std::vector<int> zigzag, comb = {0, 0};
     for (int i = 0; i < 20000; ++i)
         zigzag.insert(zigzag.end(), {i % 2 == 0 ? -210 : 210, i % 2 == 0 ? 1 : 9});
     for (int t = 0; t < 262; ++t)
         comb.insert(comb.end(), {2 * t, 8000, 2 * t + 1, 8000, 2 * t + 1, 0, 2 * t + 2, 0});
-    for (const auto& [ring, w, rows] : {std::tuple{zigzag, 200, 10}, {comb, 530, 8000}}) {
+    for (const auto& [ring, w, rows, tiles] :
+         {std::tuple{zigzag, 200, 10, 0}, {comb, 530, 8000, 0}, {comb, 530, 8000, 8100}}) {
         const std::vector<int> fill = {-100, rows / 2, w + 100, rows / 2};
         Pair pair(w, rows + 20);
+        pair.fast.dt.footprint.tileCells = pair.full.dt.footprint.tileCells = tiles;
         testing_support::CanvasObject full(w, rows + 20);  // the full rows alone
-        testing_support::Draw(full.obj, fill, rows / 2);
-        pair.Draw(fill, rows / 2);
+        testing_support::Draw(full.obj, fill, rows / 2 + 1);
+        pair.Draw(fill, rows / 2 + 1);
         pair.Draw(ring, -1);
         pair.Draw({20, rows + 10, 180, rows + 10}, 3);
         // (Runs of 8,000 rows: compared, not printed.)
-        EXPECT_TRUE(RunsText(pair.fast.obj) == RunsText(pair.full.obj)) << "shortcut " << rows;
-        EXPECT_TRUE(RunsText(pair.full.obj) == RunsText(full.obj)) << "not exhausted " << rows;
+        EXPECT_TRUE(RunsText(pair.fast.obj) == RunsText(pair.full.obj))
+            << "shortcut " << rows << ", tiles " << tiles;
+        EXPECT_TRUE(RunsText(pair.full.obj) == RunsText(full.obj))
+            << "not exhausted " << rows << ", tiles " << tiles;
     }
     // On a canvas wider than the clip window, strokes past its right edge, before and over rows
     // full across it, in one call.
