@@ -19,13 +19,14 @@ TEST(Box, EmptyBoxCentreIntersectAndUnion) {
     const Envelope none;
     EXPECT_EQ((std::vector<double>{none.x1, none.y1, none.x2, none.y2}), std::vector<double>(4));
     // Centres truncate toward zero.
-    EXPECT_EQ(Box(-3, -3, 0, 0).Center(), Location(-1, -1));
-    EXPECT_EQ(Box(0, 0, 3, 3).Center(), Location(1, 1));
+    EXPECT_EQ(std::make_pair(Box(-3, -3, 0, 0).Center(), Box(0, 0, 3, 3).Center()),
+              std::make_pair(Location(-1, -1), Location(1, 1)));
+    // A shared edge cell overlaps; an inverted box meets what no comparison separates it from;
+    // operations ignore validity.
     const Box a(0, 0, 9, 9);
-    EXPECT_TRUE(a.IsIntersect(Box(9, 9, 20, 20)));  // a shared edge cell overlaps
-    EXPECT_FALSE(a.IsIntersect(Box(0, 10, 9, 20)));
-    // An inverted box meets what no comparison separates it from; operations ignore validity.
-    EXPECT_TRUE(a.IsIntersect(Box(8, 8, 2, 2)));
+    EXPECT_EQ((std::vector<bool>{a.IsIntersect(Box(9, 9, 20, 20)), a.IsIntersect(Box(0, 10, 9, 20)),
+                                 a.IsIntersect(Box(8, 8, 2, 2))}),
+              (std::vector<bool>{true, false, true}));
     EXPECT_EQ(a.Intersect(Box(20, 20, 30, 30)), Box(20, 20, 9, 9));
     Box b(10, 10, 20, 20), empty;
     b.Union(Box());
@@ -38,20 +39,18 @@ TEST(Box, EmptyBoxCentreIntersectAndUnion) {
 
 TEST(AvoidObject, ResetOffsetsAndExtents) {
     CAvoidObject obj;
-    EXPECT_EQ(obj.Offset(), Location(0, 0));  // never reset: no offsets at all
-    EXPECT_FALSE(obj.HasRuns());              // nor cells
-    obj.StringID("label-7");
-    obj.ID(42);
-    obj.PlacedState(1);
+    // Never reset: no offsets at all, nor cells.
+    EXPECT_EQ(std::make_pair(obj.Offset(), obj.HasRuns()), std::make_pair(Location(0, 0), false));
+    obj.StringID("label-7"), obj.ID(42), obj.PlacedState(1);
     obj.AddRLE(2, 1, 4);
     obj.RecordMaxRLE();
     obj.Reset();  // as a pooled object is handed out again, which the container rules check
     EXPECT_EQ(std::make_tuple(obj.MaxExtent(), obj.IsValid(), obj.StringID()),
               std::make_tuple(Box(), false, std::string("label-7")));
     obj.AddBox(Box(0, 0, 5, 5));
-    obj.RecordMaxRLE();  // empty grid: columns from INT_MAX down to INT_MIN
-    EXPECT_EQ(obj.RLEMaxExtent().left, INT_MAX);
-    EXPECT_FALSE(obj.IsValid());  // boxes take part in no extent
+    obj.RecordMaxRLE();  // empty grid: columns from INT_MAX down; boxes take part in no extent
+    EXPECT_EQ(std::make_pair(obj.RLEMaxExtent().left, obj.IsValid()),
+              std::make_pair(INT_MAX, false));
     for (int row = 40; row <= 45; ++row)
         obj.AddRLE(row, 50, 60);
     obj.RecordMaxRLE();
@@ -61,8 +60,8 @@ TEST(AvoidObject, ResetOffsetsAndExtents) {
               std::make_pair(Box(55, 47, 65, 52), Box(6, 8, 65, 52)));
     // Clearing keeps the iterator's slot: past the end it reads (0, 0), refilled it reads again.
     obj.ClearOffset();
-    EXPECT_EQ(obj.Offset(), Location(0, 0));
-    EXPECT_EQ(obj.OffsetCollection(), std::vector<Location>(1));
+    EXPECT_EQ(std::make_pair(obj.Offset(), obj.OffsetCollection()),
+              std::make_pair(Location(0, 0), std::vector<Location>(1)));
     obj.OffsetCollection().emplace_back(9, 9);
     EXPECT_EQ(obj.Offset(), Location(9, 9));
 }

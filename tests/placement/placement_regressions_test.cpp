@@ -124,8 +124,8 @@ TEST(Sweep, PolygonsOverFullRowsAndRectanglesOnCellCornersSkipIt) {
     Draw(*obj, {10, 60, 30, 60, 30, 70, 10, 70}, 0);          // horizontal side first
     Draw(*obj, {40, 60, 40, 70, 60, 70, 60, 60, 40, 60}, 0);  // vertical side first, closed
     Draw(*obj, {10, 90, 60, 90}, 3);                          // a stroke along an axis
-    EXPECT_EQ(outline.cell_count(), swept);
-    EXPECT_EQ(testing_support::CellsOf(*obj).size(), cells + 20 * 10 + 20 * 10 + 50 * 6);
+    EXPECT_EQ(std::make_pair(outline.cell_count(), testing_support::CellsOf(*obj).size()),
+              std::make_pair(swept, cells + 20 * 10 + 20 * 10 + 50 * 6));
     c.Recycle(obj);
 }
 
@@ -136,8 +136,7 @@ TEST(Occupancy, AnswersAsTheRectanglesDrawnOnAnyCanvas) {
     for (const long long side : {1000LL, 1LL << 30}) {
         kxac::Occupancy bits;
         bits.Cover(side, side - 7);
-        ASSERT_TRUE(bits.Covers(0, 0, side - 1, side - 8));
-        ASSERT_FALSE(bits.Covers(0, 0, side, 0));
+        ASSERT_TRUE(bits.Covers(0, 0, side - 1, side - 8) && !bits.Covers(0, 0, side, 0));
         std::vector<Box> drawn;
         // Corners near the origin and near the far corner of the canvas.
         const auto at = [&](long long limit) {
@@ -158,8 +157,7 @@ TEST(Occupancy, AnswersAsTheRectanglesDrawnOnAnyCanvas) {
             }
             // Blocks only where something was drawn; none after clearing.
             EXPECT_LE(bits.Blocks(), drawn.size() * 9);
-            bits.Clear();
-            drawn.clear();
+            bits.Clear(), drawn.clear();
             EXPECT_EQ(bits.Blocks(), 0u);
         }
     }
@@ -219,8 +217,7 @@ TEST(HeldRectangle, AnswersAsItsRowsStoredOneByOne) {
             for (CAvoidObject* o : objs)
                 c.Recycle(o);
         }
-        EXPECT_EQ(answers[0], answers[1]);
-        EXPECT_EQ(cells[0], cells[1]);
+        EXPECT_EQ(std::make_pair(answers[0], cells[0]), std::make_pair(answers[1], cells[1]));
         meetings += answers[1][0] == '1';
         c.Recycle(other);
     }

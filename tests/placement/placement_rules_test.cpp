@@ -2,6 +2,7 @@
 // compares whole passes with the straightforward pass; these pin what both would share.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <map>
@@ -246,8 +247,7 @@ TEST(CollisionProbes, QuarterSearchAgreesWithTheCellsAndTheLiteralSearch) {
         inverted += !box.IsValid();
         endless += again;
     }
-    EXPECT_GT(inverted, 50);
-    EXPECT_GT(endless, 50);
+    EXPECT_GT(std::min(inverted, endless), 50);
 }
 
 }  // namespace
