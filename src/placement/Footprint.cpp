@@ -491,7 +491,10 @@ void CAvoidObject::DrawFar(long long originX, long long originY) {
     const long long row1 = std::min<long long>(raster.y1, static_cast<long long>(CellOf(b.maxY)));
     const long long col0 = std::max(0LL, static_cast<long long>(CellOf(b.minX)));
     const long long col1 = std::min<long long>(raster.x1, static_cast<long long>(CellOf(b.maxX)));
-    if (row0 > row1 || col0 > col1) return;
+    if (row0 > row1 || col0 > col1) {
+        ++s.counts.skipped;
+        return;
+    }
     if (IsCellRectangle(s.polygon)) {
         // Its cells, cut to the raster, as in a frame.
         const long long right =
@@ -499,8 +502,11 @@ void CAvoidObject::DrawFar(long long originX, long long originY) {
         const long long bottom =
             std::min<long long>(row1, static_cast<long long>(b.maxY / kSubpixels) - 1);
         if (!s.drawEverything &&
-            NoteFullRows(static_cast<int>(row0), static_cast<int>(bottom), true))
+            NoteFullRows(static_cast<int>(row0), static_cast<int>(bottom), true)) {
+            ++s.counts.skipped;
             return;
+        }
+        ++s.counts.rectangles;
         if (!Exhausted()) DrawCellRectangle(col0, row0, right, bottom);
         if (!s.drawEverything && col0 == 0 && right >= FullWidth() - 1 && row0 <= bottom)
             NoteFullRows(static_cast<int>(row0), static_cast<int>(bottom), false);
@@ -525,7 +531,10 @@ void CAvoidObject::DrawFar(long long originX, long long originY) {
                     s.polygon, x, y, std::min<long long>(x + columns - 1, raster.x1),
                     std::min<long long>(y + rows - 1, raster.y1), kSkippableCells);
             }
-            if (skippable && NoteFullRows(top, bottom, true)) continue;
+            if (skippable && NoteFullRows(top, bottom, true)) {
+                ++s.counts.skipped;
+                continue;
+            }
         }
         const bool gather = firstColumn + columns <= col1;
         s.spans.clear();
@@ -565,6 +574,7 @@ void CAvoidObject::DrawTile(agg::emit_window tile, agg::rendering_buffer* target
     agg::outline& outline = Rasterizer().get_outline();
     outline.reset();
     outline.walk_always(s.drawEverything);
+    ++s.counts.tiles;
     SideCover sides(s.sidePartial, s.sideFull);
     sides.Reset(tile.y0, tile.y1);
     const size_t n = s.polygon.size() / 2;
@@ -575,6 +585,7 @@ void CAvoidObject::DrawTile(agg::emit_window tile, agg::rendering_buffer* target
             static_cast<long long>(s.polygon[2 * j]), static_cast<long long>(s.polygon[2 * j + 1]),
             tile,
             [&](long long x1, long long y1, long long x2, long long y2) {
+                ++s.counts.pieces;
                 outline.edge(static_cast<int>(x1 - fx), static_cast<int>(y1 - fy),
                              static_cast<int>(x2 - fx), static_cast<int>(y2 - fy));
             },
@@ -624,16 +635,20 @@ void CAvoidObject::DrawFramed(const agg::emit_window& window, bool rectangle) {
     // A polygon adds nothing when the window holds none of its cells, or when its cells lie in
     // rows that are one run across the raster. Skipping one that cannot exhaust the outline's
     // blocks leaves every later polygon's cells as they would have been.
-    if (!s.drawEverything && CellsAtMost(s.subpixels, kSkippableCells)) {
-        if (top > bottom || left > right) return;
-        if (NoteFullRows(static_cast<int>(top), static_cast<int>(bottom), true)) return;
+    if (!s.drawEverything && CellsAtMost(s.subpixels, kSkippableCells) &&
+        (top > bottom || left > right ||
+         NoteFullRows(static_cast<int>(top), static_cast<int>(bottom), true))) {
+        ++s.counts.skipped;
+        return;
     }
     if (rectangle) {
+        ++s.counts.rectangles;
         // An exhausted raster stores no cell of any polygon.
         if (!Exhausted()) DrawCellRectangle(left, top, right, bottom);
         // The notes of full rows only save work: worth taking for a rectangle across the raster.
         if (left > 0 || right < FullWidth() - 1) return;
     } else {
+        ++s.counts.swept;
         agg::outline& outline = Rasterizer().get_outline();
         outline.reset();
         outline.walk_always(s.drawEverything);

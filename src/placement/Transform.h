@@ -61,6 +61,17 @@ struct FootprintScratch {
     // Above 0: every polygon is drawn in tiles of this many cells a side, as those too large for
     // the rasterizer's range are (for comparisons).
     int tileCells = 0;
+    // The work done since the transform was made, as tests read it: polygons swept whole
+    // (where they lie or in a frame of their own), tiles swept, rectangles of cells added without
+    // a sweep, polygons (or bands of tiles) passed over because the raster holds none of their
+    // cells or all their rows are full, and the edge pieces given to tiles.
+    struct Counts {
+        uint64_t swept = 0;
+        uint64_t tiles = 0;
+        uint64_t rectangles = 0;
+        uint64_t skipped = 0;
+        uint64_t pieces = 0;
+    } counts;
 };
 }  // namespace kxac
 

@@ -208,6 +208,7 @@ TEST(RleBlock, LevelLoadRefusesBadLengthsCountsAndBands) {
     };
     const Refusal cases[] = {
         {BE({20, 0, 1, 0, 0, 0}), 0, 9, 9, 1, 1, false},            // length of 20
+        {BE({20, 0, 1, 0, 0}), 0, 9, 9, 1, 1, false},               // 20 bytes: the header alone
         {BE({37, 0, 2, 10, 2, 1, 5, 7, 0}), 0, 9, 9, 1, 1, false},  // length past the bytes
         {BE({28, 0, 4, 3, 2, 0, 1, 4, 6}), 0, 4, 3, 2, 3, false},   // row 2 ends past length
         {BE({24, 0, 5, 0, 0x7FFFFFFF, 0}), 0, 5, 0, 1, 0, false},   // rows beyond the bytes

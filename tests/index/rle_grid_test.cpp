@@ -287,6 +287,8 @@ TEST(RleIndex, LevelsAppendedOwnedQueriedWalkedAndCleared) {
         EXPECT_EQ(out, std::vector<unsigned char>(4, 0));
         EXPECT_EQ(index.MetaData(out.data(), 4), 4);
         EXPECT_EQ(out, data);
+        index.Metadata(&data[3], 1);  // a single byte is copied too
+        EXPECT_TRUE(index.MetaData(out.data(), 1) == 1 && out[0] == 6);
         index.Metadata(data.data(), -5);
         EXPECT_EQ(index.MetaData(nullptr, 0), 0);
         index.Append(new CountedLevel(&destroyed));

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "placement/AvoidContainer.h"
@@ -103,32 +104,6 @@ TEST(CellRectangle, RingsAndAxisStrokesGiveTheRunsOfTheSweep) {
     }
 }
 
-// What can add no cell never reaches the rasterizer, whose outline keeps the cells of the last
-// sweep: polygons whose cells could only fall in rows already one run across the canvas, and
-// rectangles on cell corners, either way round and as axis strokes, which are added as runs.
-// Polygons above and below the full rows are swept.
-TEST(Sweep, PolygonsOverFullRowsAndRectanglesOnCellCornersSkipIt) {
-    CPriorityAvoidContainer c;
-    testing_support::SetCanvas(*c.DT(), 100, 100);
-    const agg::outline& outline = c.DT()->raster.get_outline();
-    CAvoidObject* obj = c.NewObject();
-    AddSquare(obj, 0, 10, 100, 10);         // rows 10-19, held as one rectangle
-    Draw(*obj, {5, 2, 20, 2, 5, 6}, 0);     // above
-    Draw(*obj, {5, 30, 20, 30, 5, 40}, 0);  // below
-    EXPECT_TRUE(obj->Grid().IsExist(3, 6) && obj->Grid().IsExist(32, 6));
-    const unsigned swept = outline.cell_count();
-    const size_t cells = testing_support::CellsOf(*obj).size();
-    // Down to the last full row and past the canvas's right edge; left of the canvas, touching it.
-    Draw(*obj, {50, 12, 130, 12, 50, 20}, 0);
-    Draw(*obj, {-2, 50, 0, 50, -2, 52}, 0);
-    Draw(*obj, {10, 60, 30, 60, 30, 70, 10, 70}, 0);          // horizontal side first
-    Draw(*obj, {40, 60, 40, 70, 60, 70, 60, 60, 40, 60}, 0);  // vertical side first, closed
-    Draw(*obj, {10, 90, 60, 90}, 3);                          // a stroke along an axis
-    EXPECT_EQ(std::make_pair(outline.cell_count(), testing_support::CellsOf(*obj).size()),
-              std::make_pair(swept, cells + 20 * 10 + 20 * 10 + 50 * 6));
-    c.Recycle(obj);
-}
-
 // The occupancy against a list of the rectangles drawn, on a canvas whose blocks have a flat
 // directory and on one that finds them by hash, near block edges and the far corner.
 TEST(Occupancy, AnswersAsTheRectanglesDrawnOnAnyCanvas) {
@@ -140,8 +115,7 @@ TEST(Occupancy, AnswersAsTheRectanglesDrawnOnAnyCanvas) {
         std::vector<Box> drawn;
         // Corners near the origin and near the far corner of the canvas.
         const auto at = [&](long long limit) {
-            const long long v = any(0, 1) == 0 ? any(0, 200) : limit - 1 - any(0, 200);
-            return static_cast<int>(v);
+            return static_cast<int>(any(0, 1) == 0 ? any(0, 200) : limit - 1 - any(0, 200));
         };
         for (int round = 0; round < 3; ++round) {
             for (int i = 0; i < 400; ++i) {
@@ -150,10 +124,7 @@ TEST(Occupancy, AnswersAsTheRectanglesDrawnOnAnyCanvas) {
                 const bool hit = std::any_of(drawn.begin(), drawn.end(),
                                              [&](const Box& d) { return d.IsIntersect(b); });
                 ASSERT_EQ(bits.Any(b.top, b.bottom, b.left, b.right), hit) << side << " " << i;
-                if (any(0, 2) == 0) {
-                    bits.Set(b.top, b.bottom, b.left, b.right);
-                    drawn.push_back(b);
-                }
+                if (any(0, 2) == 0) bits.Set(b.top, b.bottom, b.left, b.right), drawn.push_back(b);
             }
             // Blocks only where something was drawn; none after clearing.
             EXPECT_LE(bits.Blocks(), drawn.size() * 9);
