@@ -258,8 +258,7 @@ TEST(RleIndex, LevelsAppendedOwnedQueriedWalkedAndCleared) {
         CRLEIndexCreate* first = NewLevel(5, {{0, 0, 2}});
         index.Append(first);
         index.Append(NewLevel(2, {{0, 10, 12}, {-4, 7, 7}}));
-        CRLEIndexCreate* negative = NewLevel(-1, {});
-        index.Append(negative);
+        index.Append(NewLevel(-1, {}));
         // The last row holds two runs in a block of two: the sanitized build sees a read past it.
         index.Append(NewLevel(5, {{1, 4, 4}, {1, 6, 6}}));
         index.Append(nullptr);  // ignored
@@ -269,7 +268,7 @@ TEST(RleIndex, LevelsAppendedOwnedQueriedWalkedAndCleared) {
                   (std::vector<int>{-1, 5, 4, 9, 1, 0}));
         EXPECT_EQ((std::vector<CRLEIndexQuery*>{index.LevelIndex(5), index.LevelIndex(4),
                                                 index.LevelIndex(-1), index.LevelIndex(-2)}),
-                  (std::vector<CRLEIndexQuery*>{first, nullptr, negative, nullptr}));
+                  (std::vector<CRLEIndexQuery*>{first, nullptr, index.LevelAt(2), nullptr}));
         // Level by level in append order, empty levels skipped.
         CRLEIndexCursor cursor(&index);
         const Cells cells = {{5, 0, 0},  {5, 0, 1},  {5, 0, 2}, {2, -4, 7}, {2, 0, 10},
