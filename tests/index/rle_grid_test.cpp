@@ -132,13 +132,16 @@ TEST(RleRun, LengthPackingAndComparisonsStayExactAtIntegerLimits) {
     // Validity, contact at the limits, and a run compared with a run, which is judged by that
     // run's end cells only.
     RLERowRuns v = kFour;
-    EXPECT_EQ((std::vector<bool>{RLE().IsValid(), RLE(5, 3).IsValid(), RLE(5, 6).IsValid(),
-                                 RLE(INT_MIN, INT_MIN).IsConnect(INT_MAX),
-                                 RLE(INT_MIN, 0).IsConnect(RLE(5, INT_MAX)),
-                                 RLE(3, 6) == RLE(0, 10), CFindRLE(RLE(3, 9))(RLE(0, 20)),
-                                 CRLERow::Insert(v.begin(), v.end() - 1, 11),
-                                 CRLERow::Insert(v.begin(), v.end() - 1, 15)}),
-              (std::vector<bool>{true, false, true, false, false, false, false, false, false}));
+    EXPECT_EQ(
+        (std::vector<bool>{RLE().IsValid(), RLE(5, 3).IsValid(), RLE(5, 6).IsValid(),
+                           RLE(INT_MIN, INT_MIN).IsConnect(INT_MAX),
+                           RLE(INT_MIN, 0).IsConnect(RLE(5, INT_MAX)), RLE(3, 6) == RLE(0, 10),
+                           CFindRLE(RLE(3, 9))(RLE(0, 20)), RLE(5, 6) < 7, RLE(5, 6) < 6,
+                           RLE(5, 6) > 4, RLE(5, 6) > 5, RLE(5, 6) < RLE(7, 9),
+                           RLE(5, 6) > RLE(1, 4), CRLERow::Insert(v.begin(), v.end() - 1, 11),
+                           CRLERow::Insert(v.begin(), v.end() - 1, 15)}),
+        (std::vector<bool>{true, false, true, false, false, false, false, true, false, true, false,
+                           true, true, false, false}));
 }
 
 // The row's run vector keeps one run inside itself and moves to a block beyond that: random

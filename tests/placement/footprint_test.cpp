@@ -63,8 +63,7 @@ TEST(Footprint, LinesAndRingsGiveTheirCells) {
     // A ring is skipped by the canvas at its origin, then clipped to rows and columns from 0: on
     // a canvas at (-40, 50) only the ring below row 50 and left of column 60 adds its cells.
     Canvas shifted(100, 60);
-    shifted.dt.originX = -40;
-    shifted.dt.originY = 50;
+    shifted.dt.originX = -40, shifted.dt.originY = 50;
     int above[] = {10, 10, 20, 10, 20, 20, 10, 20}, below[] = {10, 55, 20, 55, 20, 58, 10, 58};
     int right[] = {70, 55, 80, 55, 80, 58, 70, 58};
     for (int* ring : {above, below, right})
@@ -81,7 +80,6 @@ TEST(AddLine, NaNAndInfiniteMapCoordinatesActAsTheMostNegativeCell) {
     Canvas line(64, 64), lineCells(64, 64);
     line.obj.AddLine(map, 12, 1);
     lineCells.obj.AddLine(cells, 12, 1);
-    EXPECT_EQ(CellsOf(line.obj), CellsOf(lineCells.obj));
     line.obj.AddRing(map, 12);
     lineCells.obj.AddRing(cells, 12);
     EXPECT_EQ(CellsOf(line.obj), CellsOf(lineCells.obj));

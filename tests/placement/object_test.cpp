@@ -79,7 +79,6 @@ TEST(Transform, FitsExtentToTheDeviceAndMapsTowardZero) {
     FitDeviceRect(dt, 0, 0, 200, 50);  // refits the held extent -500..1500 x 0..1000
     EXPECT_EQ(std::make_pair(dt.minX, dt.maxX), std::make_pair(-1500.0, 2500.0));
     CAvoidObject obj;
-    obj.Reset();
     obj.AddBox(Envelope{1, 2, 3, 4});  // no transform: nothing
     obj.DT(&dt);
     obj.AddBox(Envelope{-1470, 990, -1530, 1010});  // (1.5, 0.5) to (-1.5, -0.5)
