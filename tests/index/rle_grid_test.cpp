@@ -43,6 +43,7 @@ const RowCase kRowCases[] = {
     // A span ending next to the first run, or starting next to the last, joins it.
     {{{10, 12}, {20, 22}}, true, 5, 9, {{5, 12}, {20, 22}}},
     {{{10, 12}, {20, 22}}, true, 30, 23, {{10, 12}, {20, 30}}},
+    {{{0, 2}, {10, 12}}, true, 5, 9, {{0, 2}, {5, 12}}},  // the last run too
     // From a gap past the next run, cells between are lost; the reached run keeps its bounds.
     {kFour, true, 25, 5, {{0, 2}, {10, 12}, {30, 32}}},
     // The low run is widened, never the high one.

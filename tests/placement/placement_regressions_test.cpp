@@ -68,27 +68,27 @@ TEST(CellRectangle, RingsAndAxisStrokesGiveTheRunsOfTheSweep) {
         const int x0 = uniform(-20, 140), x1 = uniform(-20, 140);
         const int y0 = uniform(-20, 110), y1 = uniform(-20, 110);
         const int mx = x0 + (x1 - x0) / 2, my = y0 + (y1 - y0) / 2;
-        const int kind = uniform(0, 6);
+        const int kind = uniform(0, 7);
         int slow[] = {x0, y0, mx, y0, x1, y0, x1, y1, x0, y1, x0, my};
         // Shapes that only look like rectangles: a pentagon closing on the top side, and
-        // quadrilaterals whose second corner takes its row from the first one's column, or whose
-        // third takes its column from the first one's row. Their models carry one more corner.
+        // quadrilaterals whose second corner takes its row from the first one's column, whose
+        // third takes its column from the first one's row, or whose last stands off the first one's
+        // column. Their models carry one more corner.
         int penta[] = {x0, y0, x1, y0, x1, y1, x0, y1, mx, y0};
         int penta6[] = {x0, y0, x1, y0, x1, my, x1, y1, x0, y1, mx, y0};
-        int quad[] = {x0, y0, x1, x0, x1, y1, x0, y1};
+        int quad[] = {x0, y0, x1, x0, x1, y1, x0, y1}, down4[] = {x0, y0, x0, y1, y0, y1, x1, y0};
         int quad5[] = {x0, y0, x1, x0, x1, y1, x0, y1, x0, my};
-        int down4[] = {x0, y0, x0, y1, y0, y1, x1, y0};
         int down5[] = {x0, y0, x0, my, x0, y1, y0, y1, x1, y0};
-        int* const models[] = {slow, slow, slow, slow, penta6, quad5, down5};
+        int trap[] = {x0, y0, x1, y0, x1, y1, mx, y1}, back[] = {x0, y0, x0, y1, x1, y1, x1, y0};
+        int trap5[] = {x0, y0, x1, y0, x1, my, x1, y1, mx, y1}, down[] = {mx, y0, mx, y1};
+        int* const models[] = {slow, slow, slow, slow, penta6, quad5, down5, trap5};
         model->AddRing(models[kind], kind >= 5 ? 10 : 12);
-        int ring[] = {x0, y0, x1, y0, x1, y1, x0, y1, x0, y0};
-        int back[] = {x0, y0, x0, y1, x1, y1, x1, y0};
-        int across[] = {x0, my, x1, my}, down[] = {mx, y0, mx, y1};
+        int ring[] = {x0, y0, x1, y0, x1, y1, x0, y1, x0, y0}, across[] = {x0, my, x1, my};
         // A stroke works only where its centre line meets the canvas.
         const bool inside = std::max(x0, x1) >= 0 && std::min(x0, x1) <= w &&
                             std::max(y0, y1) >= 0 && std::min(y0, y1) <= h;
         if (kind >= 4) {
-            int* const shapes[] = {penta, quad, down4};
+            int* const shapes[] = {penta, quad, down4, trap};
             fast->AddRing(shapes[kind - 4], kind == 4 ? 10 : 8);
         } else if (kind == 2 && inside && my >= 0 && my <= h && (y1 - y0) % 2 == 0 && y1 != y0) {
             fast->AddLine(across, 4, std::abs(y1 - y0) / 2);
