@@ -119,7 +119,7 @@ TEST(Footprint, EachShapeTakesTheCheapestExactWay) {
             << testing::PrintToString(d);
     }
     // The tiles' edges climb one row over 40,000 columns: pieces where y changes, not one a
-    // column. In tiles of 8 cells, a triangle 20 cells a side takes 3 x 3 of them.
+    // column. In tiles of 8 cells, a triangle of 20 by 19 cells takes 3 x 3 of them.
     EXPECT_LT(n.pieces, 2000u);
     c.dt.footprint.tileCells = 8;
     testing_support::Draw(c.obj, {10, 40, 30, 40, 10, 59}, 0);
