@@ -101,13 +101,10 @@ CRLEIndexCreate* NewLevel(int level, const Cells& spans) {
 }
 
 // Counts its own destruction, so that ownership can be observed.
-class CountedLevel : public CRLEIndexCreate {
-public:
-    explicit CountedLevel(int* destroyed) : m_destroyed(destroyed) {}
-    ~CountedLevel() override { ++*m_destroyed; }
-
-private:
-    int* m_destroyed;
+struct CountedLevel : CRLEIndexCreate {
+    explicit CountedLevel(int* count) : destroyed(count) {}
+    ~CountedLevel() override { ++*destroyed; }
+    int* destroyed;
 };
 }  // namespace
 
@@ -259,24 +256,26 @@ TEST(RleIndex, LevelsAppendedOwnedQueriedWalkedAndCleared) {
     int destroyed = 0;
     {
         CRLEIndex index;
-        CRLEIndexCreate* first = NewLevel(5, {{0, 0, 2}});
-        index.Append(first);
+        index.Append(NewLevel(5, {{0, 0, 2}}));
         index.Append(NewLevel(2, {{0, 10, 12}, {-4, 7, 7}}));
-        index.Append(NewLevel(-1, {}));
+        index.Append(NewLevel(-1, {{3, 5, 5}}));  // the lowest level, of negative number
+        index.Append(NewLevel(3, {}));
         // The last row holds two runs in a block of two: the sanitized build sees a read past it.
         index.Append(NewLevel(5, {{1, 4, 4}, {1, 6, 6}}));
         index.Append(nullptr);  // ignored
         // Any level of the asked number may hold the cell; other numbers never answer.
         EXPECT_EQ((std::vector<int>{index.MinLevel(), index.MaxLevel(), index.LevelCount(),
-                                    index.Count(), index.IsExist(5, 1, 4), index.IsExist(2, 0, 1)}),
-                  (std::vector<int>{-1, 5, 4, 9, 1, 0}));
-        EXPECT_EQ((std::vector<CRLEIndexQuery*>{index.LevelIndex(5), index.LevelIndex(4),
-                                                index.LevelIndex(-1), index.LevelIndex(-2)}),
-                  (std::vector<CRLEIndexQuery*>{first, nullptr, index.LevelAt(2), nullptr}));
+                                    index.Count(), index.IsExist(5, 1, 4), index.IsExist(2, 0, 1),
+                                    index.IsExist(-1, 3, 5)}),
+                  (std::vector<int>{-1, 5, 5, 10, 1, 0, 1}));
+        EXPECT_EQ(
+            (std::vector<CRLEIndexQuery*>{index.LevelIndex(5), index.LevelIndex(4),
+                                          index.LevelIndex(-1), index.LevelIndex(-2)}),
+            (std::vector<CRLEIndexQuery*>{index.LevelAt(0), nullptr, index.LevelAt(2), nullptr}));
         // Level by level in append order, empty levels skipped.
         CRLEIndexCursor cursor(&index);
-        const Cells cells = {{5, 0, 0},  {5, 0, 1},  {5, 0, 2}, {2, -4, 7}, {2, 0, 10},
-                             {2, 0, 11}, {2, 0, 12}, {5, 1, 4}, {5, 1, 6}};
+        const Cells cells = {{5, 0, 0},  {5, 0, 1},  {5, 0, 2},  {2, -4, 7}, {2, 0, 10},
+                             {2, 0, 11}, {2, 0, 12}, {-1, 3, 5}, {5, 1, 4},  {5, 1, 6}};
         EXPECT_EQ(Drain(cursor), cells);
         const std::vector<unsigned char> data = {9, 8, 7, 6};
         index.Metadata(data.data(), 4);
