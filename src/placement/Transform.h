@@ -62,7 +62,7 @@ struct FootprintScratch {
     // the rasterizer's range are (for comparisons).
     int tileCells = 0;
     // The work done since the transform was made, as tests read it: polygons swept whole
-    // (where they lie or in a frame of their own), tiles swept, rectangles of cells added without
+    // (where they lie or in a frame of their own), tiles swept, rectangles of cells taken without
     // a sweep, polygons (or bands of tiles) passed over because the raster holds none of their
     // cells or all their rows are full, and the edge pieces given to tiles.
     struct Counts {
